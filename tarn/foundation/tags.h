@@ -1,0 +1,13 @@
+#pragma once
+
+// Element and attribute names that several records share. A name used by one
+// record only lives with that record.
+
+namespace tarn::tags {
+
+inline constexpr char kVersion[] = "version";
+inline constexpr char kName[] = "name";
+inline constexpr char kOverrideEnable[] = "OVR_ENABLE";
+inline constexpr char kPrintModeRoot[] = "PMH";
+
+}  // namespace tarn::tags

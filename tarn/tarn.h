@@ -1,0 +1,15 @@
+#pragma once
+
+// Umbrella header: everything tarn offers.
+
+#include "tarn/foundation/export.h"
+#include "tarn/foundation/format.h"
+#include "tarn/foundation/format_string.h"
+#include "tarn/foundation/paths.h"
+#include "tarn/foundation/platform.h"
+#include "tarn/foundation/registry.h"
+#include "tarn/foundation/tags.h"
+#include "tarn/foundation/text.h"
+#include "tarn/foundation/xml.h"
+#include "tarn/printmode/print_mode_data.h"
+#include "tarn/version.h"

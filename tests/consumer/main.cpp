@@ -1,0 +1,29 @@
+// Builds against the installed tarn package and exercises a print mode round
+// trip in memory; exits non-zero on any surprise.
+
+#include <cstdio>
+#include <string>
+
+#include <tarn/tarn.h>
+
+int main() {
+  tarn::CPrintModeData mode;
+  mode.SetPrinterX(L"Consumer Printer");
+  mode.SetInkSet(L"CMYK");
+  pugi::xml_document document;
+  mode.WriteXML(document);
+  const std::string text = tarn::xml::SaveDocumentToString(document);
+
+  tarn::CPrintModeData copy;
+  pugi::xml_document reread;
+  if (!tarn::xml::LoadDocumentFromBuffer(reread, text, "PMH") || !copy.ReadXML(reread.first_child())) {
+    std::fprintf(stderr, "consumer: the print mode did not read back\n");
+    return 1;
+  }
+  if (copy.GetPrinterX() != L"Consumer Printer" || copy.GetInkSet() != L"CMYK") {
+    std::fprintf(stderr, "consumer: the print mode changed on the way\n");
+    return 1;
+  }
+  std::printf("consumer: tarn %s works from its installed package\n", TARN_VERSION_STRING);
+  return 0;
+}

@@ -1,0 +1,86 @@
+#include "support/test_support.h"
+
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <fstream>
+#include <locale>
+#include <sstream>
+#include <stdexcept>
+
+#include "tarn/foundation/platform.h"
+#include "tarn/foundation/text.h"
+
+namespace tarn::test {
+
+TempFolder::TempFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "tarn-test-XXXXXX").string();
+  if (!::mkdtemp(pattern.data())) {
+    throw std::runtime_error("cannot create a temporary folder");
+  }
+  path_ = pattern;
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  // Tests make files read-only; make everything writable so it can go.
+  for (auto it = std::filesystem::recursive_directory_iterator(path_, ignored);
+       it != std::filesystem::recursive_directory_iterator(); it.increment(ignored)) {
+    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all, std::filesystem::perm_options::add,
+                                 ignored);
+  }
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::wstring TempFolder::wide() const { return FromUtf8(path_.string()) + L"/"; }
+
+std::wstring TempFolder::File(const std::string& name) const { return FromUtf8((path_ / name).string()); }
+
+MessageCapture::MessageCapture() : messages_(std::make_shared<std::vector<Message>>()) {
+  auto sink = messages_;
+  SetMessageHandler([sink](const std::wstring& text, const std::wstring& caption) {
+    sink->push_back({text, caption});
+  });
+}
+
+MessageCapture::~MessageCapture() { SetMessageHandler({}); }
+
+DecimalCommaLocale::DecimalCommaLocale() {
+  const char* current = std::setlocale(LC_ALL, nullptr);
+  previous_ = current ? current : "C";
+  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE"}) {
+    if (std::setlocale(LC_ALL, name)) {
+      try {
+        std::locale::global(std::locale(name));
+      } catch (const std::exception&) {
+        continue;
+      }
+      active_ = true;
+      return;
+    }
+  }
+}
+
+DecimalCommaLocale::~DecimalCommaLocale() {
+  std::setlocale(LC_ALL, previous_.c_str());
+  std::locale::global(std::locale::classic());
+}
+
+std::string ReadBytes(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream out;
+  out << in.rdbuf();
+  return out.str();
+}
+
+void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << bytes;
+}
+
+std::filesystem::path DataFile(const std::string& relative) {
+  return std::filesystem::path(TARN_TEST_DATA_DIR) / relative;
+}
+
+}  // namespace tarn::test

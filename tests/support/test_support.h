@@ -1,0 +1,73 @@
+#pragma once
+
+// Helpers shared by the test programs.
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarn::test {
+
+// A fresh folder under the system's temporary folder, removed with everything
+// in it when the object goes away.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  // The folder as a wide path with a trailing separator, ready to prepend.
+  std::wstring wide() const;
+  // path() / name as a wide path.
+  std::wstring File(const std::string& name) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// Collects the messages the library shows while it lives, instead of printing them.
+class MessageCapture {
+ public:
+  struct Message {
+    std::wstring text;
+    std::wstring caption;
+  };
+  MessageCapture();
+  ~MessageCapture();
+  MessageCapture(const MessageCapture&) = delete;
+  MessageCapture& operator=(const MessageCapture&) = delete;
+
+  const std::vector<Message>& messages() const { return *messages_; }
+  bool empty() const { return messages_->empty(); }
+  void clear() { messages_->clear(); }
+
+ private:
+  std::shared_ptr<std::vector<Message>> messages_;
+};
+
+// Switches the whole process (C and C++ locales) to a locale with a decimal
+// comma for its lifetime. active() is false when the machine lacks one; tests
+// then GTEST_SKIP.
+class DecimalCommaLocale {
+ public:
+  DecimalCommaLocale();
+  ~DecimalCommaLocale();
+  DecimalCommaLocale(const DecimalCommaLocale&) = delete;
+  DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;
+  bool active() const { return active_; }
+
+ private:
+  bool active_ = false;
+  std::string previous_;
+};
+
+std::string ReadBytes(const std::filesystem::path& path);
+void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
+// Absolute path of a fixture under tests/data.
+std::filesystem::path DataFile(const std::string& relative);
+
+}  // namespace tarn::test

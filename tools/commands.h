@@ -1,0 +1,31 @@
+#pragma once
+
+// The subcommands of the tarn tool. Each takes its arguments (without the
+// program and command names) and returns the process exit code.
+
+#include <string>
+#include <vector>
+
+namespace tarn::tool {
+
+using Arguments = std::vector<std::string>;
+
+struct Command {
+  const char* name;
+  const char* usage;    // e.g. "info FILE"
+  const char* summary;  // one line for --help
+  int (*run)(const Arguments& args);
+};
+
+int RunInfo(const Arguments& args);
+int RunList(const Arguments& args);
+
+// Prints "tarn: message" on stderr and returns the failure exit code.
+int Fail(const std::string& message);
+
+// Exit codes.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+
+}  // namespace tarn::tool

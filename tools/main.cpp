@@ -1,0 +1,70 @@
+// tarn: look at and check the files of a RIP folder from the command line.
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include "tarn/tarn.h"
+#include "tools/commands.h"
+
+namespace tarn::tool {
+
+namespace {
+
+// Every subcommand, in the order --help lists them.
+const Command kCommands[] = {
+    {"info", "info FILE", "show a print mode (.pmx): header, metadata and sections", RunInfo},
+    {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
+};
+
+void PrintHelp() {
+  std::printf("tarn %s: the data model of a production-printer RIP\n\n", TARN_VERSION_STRING);
+  std::printf("usage: tarn COMMAND [ARGS]\n       tarn --help | --version\n\ncommands:\n");
+  for (const Command& command : kCommands) {
+    std::printf("  %-28s %s\n", command.usage, command.summary);
+  }
+}
+
+}  // namespace
+
+int Fail(const std::string& message) {
+  std::fprintf(stderr, "tarn: %s\n", message.c_str());
+  return kExitFailure;
+}
+
+}  // namespace tarn::tool
+
+int main(int argc, char** argv) {
+  using namespace tarn::tool;
+  if (argc < 2) {
+    PrintHelp();
+    return kExitUsage;
+  }
+  const std::string command = argv[1];
+  if (command == "--help" || command == "-h" || command == "help") {
+    PrintHelp();
+    return kExitOk;
+  }
+  if (command == "--version") {
+    std::printf("tarn %s (queue version %d.%d.%d)\n", TARN_VERSION_STRING, tarn::kQueueVersionMajor,
+                tarn::kQueueVersionMinor, tarn::kQueueVersionBuild);
+    return kExitOk;
+  }
+  // The library reports through message boxes; on the command line they are
+  // one line each on stderr.
+  tarn::SetMessageHandler([](const std::wstring& text, const std::wstring& caption) {
+    std::fprintf(stderr, "tarn: %s: %s\n", tarn::ToUtf8(caption).c_str(), tarn::ToUtf8(text).c_str());
+  });
+  for (const Command& entry : kCommands) {
+    if (command == entry.name) {
+      try {
+        return entry.run(Arguments(argv + 2, argv + argc));
+      } catch (const std::exception& error) {
+        return Fail(error.what());
+      }
+    }
+  }
+  std::fprintf(stderr, "tarn: unknown command '%s' (try tarn --help)\n", command.c_str());
+  return kExitUsage;
+}
