@@ -93,7 +93,20 @@ void SetAttributeReal(pugi::xml_node node, const char* name, double value, std::
   node.append_attribute(name).set_value(Format(format, value).c_str());
 }
 
-std::wstring ReadText(const pugi::xml_node& node) { return FromUtf8(node.text().get()); }
+std::wstring ReadText(const pugi::xml_node& node) {
+  // A value holding "]]>" comes back as several CDATA sections; join them.
+  const pugi::xml_node first = node.first_child();
+  if (!first || !first.next_sibling()) {
+    return FromUtf8(node.text().get());
+  }
+  std::string joined;
+  for (const pugi::xml_node& part : node.children()) {
+    if (part.type() == pugi::node_pcdata || part.type() == pugi::node_cdata) {
+      joined += part.value();
+    }
+  }
+  return FromUtf8(joined);
+}
 
 bool ReadBool(const pugi::xml_node& node) { return node.text().as_bool(); }
 

@@ -59,7 +59,8 @@ TARN_API void SetAttributeReal(pugi::xml_node node, const char* name, double val
 
 // --- reading -------------------------------------------------------------
 
-// The element's text as wide text; empty when absent. For CDATA children too.
+// The element's text as wide text; empty when absent. Several text and CDATA
+// children (a CDATA value split at "]]>") are joined.
 TARN_API std::wstring ReadText(const pugi::xml_node& node);
 TARN_API bool ReadBool(const pugi::xml_node& node);
 TARN_API int ReadInt(const pugi::xml_node& node);
