@@ -25,6 +25,12 @@ demo: release
 	@echo
 	@echo "== tarn info $(EXAMPLE_MODE)"
 	build/release/tools/tarn info $(EXAMPLE_MODE)
+	@echo
+	@echo "== tarn info examples/rip/System/printers/Hexa6.pdx"
+	build/release/tools/tarn info examples/rip/System/printers/Hexa6.pdx
+	@echo
+	build/release/tools/tarn curves $(EXAMPLE_MODE) -o build/curves.svg
+	@echo "== the curves of $(EXAMPLE_MODE) are drawn in build/curves.svg"
 
 asan: deps
 	cmake --preset asan-ubsan
@@ -35,9 +41,11 @@ asan: deps
 # against it with find_package(tarn), then runs it.
 consumer: release
 	cmake --install build/release --prefix $(STAGE)
-	cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH=$(STAGE)
+	PKG_CONFIG_PATH=$(STAGE)/lib/pkgconfig cmake -S tests/consumer -B build/consumer -G Ninja \
+	  -DCMAKE_PREFIX_PATH=$(STAGE)
 	cmake --build build/consumer
 	LD_LIBRARY_PATH=$(STAGE)/lib build/consumer/tarn_consumer
+	LD_LIBRARY_PATH=$(STAGE)/lib build/consumer/tarn_consumer_pc
 
 test: asan consumer
 	ctest --preset release -j $(JOBS)

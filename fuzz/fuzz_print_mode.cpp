@@ -17,8 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }();
   (void)quiet;
   pugi::xml_document document;
-  if (!tarn::xml::LoadDocumentFromBuffer(document, std::string_view(reinterpret_cast<const char*>(data), size),
-                                         "PMH")) {
+  if (!tarn::xml::LoadDocumentFromBuffer(
+          document, std::string_view(reinterpret_cast<const char*>(data), size), "PMH")) {
     return 0;
   }
   tarn::CPrintModeData mode;

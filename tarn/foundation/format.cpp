@@ -157,7 +157,8 @@ std::string FormatFloating(double value, const Spec& spec) {
   if (std::isnan(value) || std::isinf(value)) {
     body = std::isnan(value) ? "nan" : "inf";
     if (upper) {
-      std::transform(body.begin(), body.end(), body.begin(), [](char ch) { return static_cast<char>(ch - 32); });
+      std::transform(body.begin(), body.end(), body.begin(),
+                     [](char ch) { return static_cast<char>(ch - 32); });
     }
     const std::string sign = SignOf(negative, spec);
     return Pad(sign + body, sign.size(), spec, false);
@@ -362,7 +363,9 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
   }
 }
 
-bool IsSpace(int c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+bool IsSpace(int c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
 
 bool IsDigit(int c, bool hex) {
   return (c >= '0' && c <= '9') || (hex && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
@@ -426,14 +429,16 @@ size_t ParseRealAscii(std::string_view text, double& value) {
   size_t digits_at = body;
   if (text.size() - body > 2 && text[body] == '0' && (text[body + 1] == 'x' || text[body + 1] == 'X') &&
       (IsDigit(static_cast<unsigned char>(text[body + 2]), true) ||
-       (text[body + 2] == '.' && text.size() - body > 3 && IsDigit(static_cast<unsigned char>(text[body + 3]), true)))) {
+       (text[body + 2] == '.' && text.size() - body > 3 &&
+        IsDigit(static_cast<unsigned char>(text[body + 3]), true)))) {
     hex = true;
     digits_at = body + 2;
   }
   double parsed = 0.0;
   const char* first = text.data() + digits_at;
   const char* last = text.data() + text.size();
-  const auto [ptr, ec] = std::from_chars(first, last, parsed, hex ? std::chars_format::hex : std::chars_format::general);
+  const auto [ptr, ec] =
+      std::from_chars(first, last, parsed, hex ? std::chars_format::hex : std::chars_format::general);
   if (ptr == first) {
     // "0x" with no hex digits reads as the "0" before the x, as strtod does.
     return 0;
@@ -476,10 +481,10 @@ size_t ParseIntAscii(std::string_view text, long long& value) {
   constexpr unsigned long long kMaxPositive = std::numeric_limits<long long>::max();
   if (negative) {
     value = (overflow || magnitude > kMaxPositive + 1) ? std::numeric_limits<long long>::min()
-                                                        : static_cast<long long>(0ULL - magnitude);
+                                                       : static_cast<long long>(0ULL - magnitude);
   } else {
     value = (overflow || magnitude > kMaxPositive) ? std::numeric_limits<long long>::max()
-                                                    : static_cast<long long>(magnitude);
+                                                   : static_cast<long long>(magnitude);
   }
   return i;
 }
@@ -508,15 +513,25 @@ void AppendFormatV(std::wstring& out, std::wstring_view format, std::span<const 
   AppendFormatT<wchar_t>(out, format, args);
 }
 
-std::string FormatReal(double value) { return Format("%.17g", value); }
+std::string FormatReal(double value) {
+  return Format("%.17g", value);
+}
 
-size_t ParseRealPrefix(std::string_view text, double& value) { return ParseRealAscii(text, value); }
+size_t ParseRealPrefix(std::string_view text, double& value) {
+  return ParseRealAscii(text, value);
+}
 
-size_t ParseRealPrefix(std::wstring_view text, double& value) { return ParseRealAscii(NarrowAscii(text), value); }
+size_t ParseRealPrefix(std::wstring_view text, double& value) {
+  return ParseRealAscii(NarrowAscii(text), value);
+}
 
-size_t ParseIntPrefix(std::string_view text, long long& value) { return ParseIntAscii(text, value); }
+size_t ParseIntPrefix(std::string_view text, long long& value) {
+  return ParseIntAscii(text, value);
+}
 
-size_t ParseIntPrefix(std::wstring_view text, long long& value) { return ParseIntAscii(NarrowAscii(text), value); }
+size_t ParseIntPrefix(std::wstring_view text, long long& value) {
+  return ParseIntAscii(NarrowAscii(text), value);
+}
 
 double ToReal(std::string_view text) {
   double value = 0.0;

@@ -37,9 +37,8 @@ class TARN_API FormatArg {
   enum class Kind { kSigned, kUnsigned, kReal, kNarrow, kWide };
 
   template <typename T>
-    requires(std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, char> &&
-             !std::is_same_v<T, wchar_t>)
-  FormatArg(T value)  // NOLINT(google-explicit-constructor)
+  requires(std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, char> &&
+           !std::is_same_v<T, wchar_t>) FormatArg(T value)  // NOLINT(google-explicit-constructor)
       : kind_(std::is_signed_v<T> ? Kind::kSigned : Kind::kUnsigned), bytes_(sizeof(T)) {
     if constexpr (std::is_signed_v<T>) {
       signed_ = value;
@@ -48,16 +47,16 @@ class TARN_API FormatArg {
     }
   }
   FormatArg(bool value) : kind_(Kind::kSigned), bytes_(sizeof(int)), signed_(value ? 1 : 0) {}  // NOLINT
-  FormatArg(char value) : kind_(Kind::kSigned), bytes_(sizeof(int)), signed_(value) {}           // NOLINT
-  FormatArg(wchar_t value) : kind_(Kind::kSigned), bytes_(sizeof(int)), signed_(value) {}        // NOLINT
-  FormatArg(double value) : kind_(Kind::kReal), real_(value) {}                                  // NOLINT
-  FormatArg(float value) : kind_(Kind::kReal), real_(value) {}                                   // NOLINT
-  FormatArg(const char* text) : kind_(Kind::kNarrow), narrow_(text ? text : "") {}               // NOLINT
-  FormatArg(std::string_view text) : kind_(Kind::kNarrow), narrow_(text) {}                      // NOLINT
-  FormatArg(const std::string& text) : kind_(Kind::kNarrow), narrow_(text) {}                    // NOLINT
-  FormatArg(const wchar_t* text) : kind_(Kind::kWide), wide_(text ? text : L"") {}               // NOLINT
-  FormatArg(std::wstring_view text) : kind_(Kind::kWide), wide_(text) {}                         // NOLINT
-  FormatArg(const std::wstring& text) : kind_(Kind::kWide), wide_(text) {}                       // NOLINT
+  FormatArg(char value) : kind_(Kind::kSigned), bytes_(sizeof(int)), signed_(value) {}          // NOLINT
+  FormatArg(wchar_t value) : kind_(Kind::kSigned), bytes_(sizeof(int)), signed_(value) {}       // NOLINT
+  FormatArg(double value) : kind_(Kind::kReal), real_(value) {}                                 // NOLINT
+  FormatArg(float value) : kind_(Kind::kReal), real_(value) {}                                  // NOLINT
+  FormatArg(const char* text) : kind_(Kind::kNarrow), narrow_(text ? text : "") {}              // NOLINT
+  FormatArg(std::string_view text) : kind_(Kind::kNarrow), narrow_(text) {}                     // NOLINT
+  FormatArg(const std::string& text) : kind_(Kind::kNarrow), narrow_(text) {}                   // NOLINT
+  FormatArg(const wchar_t* text) : kind_(Kind::kWide), wide_(text ? text : L"") {}              // NOLINT
+  FormatArg(std::wstring_view text) : kind_(Kind::kWide), wide_(text) {}                        // NOLINT
+  FormatArg(const std::wstring& text) : kind_(Kind::kWide), wide_(text) {}                      // NOLINT
 
   Kind kind() const { return kind_; }
   int bytes() const { return bytes_; }

@@ -71,11 +71,17 @@ CXRegistry* GetTarnRegistryBase() {
   return paths.registry;
 }
 
-std::wstring GetPrintModesFolder() { return GetTarnRipFolder() + L"System\\pmodes\\"; }
+std::wstring GetPrintModesFolder() {
+  return GetTarnRipFolder() + L"System\\pmodes\\";
+}
 
-std::wstring GetSystemFolder() { return GetTarnRipFolder() + L"system\\"; }
+std::wstring GetSystemFolder() {
+  return GetTarnRipFolder() + L"system\\";
+}
 
-std::wstring GetColorLinksFolder() { return GetTarnRipFolder() + L"System\\clinks\\"; }
+std::wstring GetColorLinksFolder() {
+  return GetTarnRipFolder() + L"System\\clinks\\";
+}
 
 void SplitPath(std::wstring_view path, std::wstring* folder, std::wstring* file) {
   const size_t split = path.find_last_of(L"\\/");

@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
 #include <thread>
-#include <chrono>
 
 #include "tarn/foundation/text.h"
 
@@ -21,7 +21,9 @@ namespace tarn {
 
 namespace {
 
-std::wstring ErrorText(int error) { return FromUtf8(std::system_category().message(error)); }
+std::wstring ErrorText(int error) {
+  return FromUtf8(std::system_category().message(error));
+}
 
 void SetError(std::wstring* out, int error) {
   if (out) {
@@ -103,10 +105,11 @@ std::string NativePath(std::wstring_view path) {
       continue;
     }
     const auto join = [&](const std::string& name) {
-      if (current.empty()) {
-        return name;
+      std::string joined = current;
+      if (!joined.empty() && joined.back() != '/') {
+        joined += '/';
       }
-      return current.back() == '/' ? current + name : current + "/" + name;
+      return joined += name;
     };
     std::string candidate = join(component);
     if (matching && component != "." && component != ".." && !PathExists(candidate)) {
@@ -125,7 +128,9 @@ std::string NativePath(std::wstring_view path) {
   return current;
 }
 
-bool FileExists(const std::wstring& path) { return !path.empty() && PathExists(NativePath(path)); }
+bool FileExists(const std::wstring& path) {
+  return !path.empty() && PathExists(NativePath(path));
+}
 
 bool FolderExists(const std::wstring& path) {
   struct stat info {};
@@ -287,7 +292,8 @@ bool MatchesWildcard(std::wstring_view name, std::wstring_view pattern) {
     if (p < pattern.size() && pattern[p] == L'*') {
       star = p++;
       resume = n;
-    } else if (p < pattern.size() && (pattern[p] == L'?' || EqualsNoCase(pattern.substr(p, 1), name.substr(n, 1)))) {
+    } else if (p < pattern.size() &&
+               (pattern[p] == L'?' || EqualsNoCase(pattern.substr(p, 1), name.substr(n, 1)))) {
       ++p;
       ++n;
     } else if (star != std::wstring_view::npos) {
@@ -326,7 +332,11 @@ std::vector<FolderEntry> FindFiles(const std::wstring& pattern) {
       continue;
     }
     struct stat info {};
-    const std::string full = native.back() == '/' ? native + name : native + "/" + name;
+    std::string full = native;
+    if (full.back() != '/') {
+      full += '/';
+    }
+    full += name;
     const bool is_folder = ::stat(full.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
     entries.push_back({wide, is_folder});
   }
@@ -336,7 +346,9 @@ std::vector<FolderEntry> FindFiles(const std::wstring& pattern) {
   return entries;
 }
 
-bool RemoveFile(const std::wstring& path) { return !path.empty() && ::unlink(NativePath(path).c_str()) == 0; }
+bool RemoveFile(const std::wstring& path) {
+  return !path.empty() && ::unlink(NativePath(path).c_str()) == 0;
+}
 
 bool RenameFile(const std::wstring& from, const std::wstring& to) {
   return !from.empty() && !to.empty() && ::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
@@ -376,7 +388,8 @@ void ShowMessage(const std::wstring& text, const std::wstring& caption) {
     return;
   }
   std::string line = ToUtf8(caption) + ": " + ToUtf8(text);
-  std::replace_if(line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
@@ -387,7 +400,9 @@ void SetTranslator(Translator translator) {
   host.translator = std::move(translator);
 }
 
-void XLT_TranslateString(std::wstring& text) { text = XLT_TranslateCString(text); }
+void XLT_TranslateString(std::wstring& text) {
+  text = XLT_TranslateCString(text);
+}
 
 std::wstring XLT_TranslateCString(std::wstring_view text) {
   HostInterfaces& host = Host();

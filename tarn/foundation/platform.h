@@ -94,11 +94,12 @@ TARN_API std::wstring XLT_TranslateCString(std::wstring_view text);
 
 // --- printers ------------------------------------------------------------
 
-// Paper of an installed Windows printer, in tenths of a millimetre.
+// Paper of an installed Windows printer, as its device settings give it.
 struct TARN_API PrinterPaper {
-  std::wstring name;
-  int width = 0;
-  int length = 0;
+  int code = 0;       // the paper size code; 0 means none
+  int width = 0;      // tenths of a millimetre
+  int length = 0;     // tenths of a millimetre
+  std::wstring name;  // the form's name, where the host knows it
 };
 
 using PrinterPaperQuery = std::function<bool(const std::wstring& printer, PrinterPaper& paper)>;

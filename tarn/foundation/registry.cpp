@@ -58,8 +58,9 @@ void ReportSyntax(const std::wstring& where) {
 }
 
 void ReportWrongType(const std::wstring& path) {
-  ShowMessage(Format(L"[XRegistry] Attempting to access or set a value that is of the wrong data type: %s", path),
-              kCaption);
+  ShowMessage(
+      Format(L"[XRegistry] Attempting to access or set a value that is of the wrong data type: %s", path),
+      kCaption);
 }
 
 std::vector<std::wstring> SplitKeyPath(const std::wstring& path) {
@@ -137,13 +138,17 @@ CXRegistry& CXRegistry::operator=(const CXRegistry& other) {
   }
   return *this;
 }
-CXRegistry::CXRegistry(CXRegistry&& other) noexcept : root_(std::make_unique<Key>()) { root_.swap(other.root_); }
+CXRegistry::CXRegistry(CXRegistry&& other) noexcept : root_(std::make_unique<Key>()) {
+  root_.swap(other.root_);
+}
 CXRegistry& CXRegistry::operator=(CXRegistry&& other) noexcept {
   root_.swap(other.root_);
   return *this;
 }
 
-void CXRegistry::Clear() { root_ = std::make_unique<Key>(); }
+void CXRegistry::Clear() {
+  root_ = std::make_unique<Key>();
+}
 
 namespace {
 
@@ -194,7 +199,11 @@ bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wst
       continue;
     }
     const std::wstring name = FromUtf8(child.attribute(kNameAttribute).value());
-    const std::wstring here = where.empty() ? name : where + L"/" + name;
+    std::wstring here = where;
+    if (!here.empty()) {
+      here += L'/';
+    }
+    here += name;
     if (xml::IsNamed(child, kKeyTag) && !name.empty()) {
       if (!ReadKey(child, *key.AddKey(name), here)) {
         return false;
@@ -269,7 +278,9 @@ std::string CXRegistry::SaveToString() const {
   return xml::SaveDocumentToString(document);
 }
 
-bool CXRegistry::Save(const std::wstring& path) const { return WriteFileAtomically(path, SaveToString()); }
+bool CXRegistry::Save(const std::wstring& path) const {
+  return WriteFileAtomically(path, SaveToString());
+}
 
 namespace {
 
@@ -333,14 +344,24 @@ bool CXRegistry::GetString(const std::wstring& path, std::wstring& value) const 
 bool CXRegistry::GetInteger(const std::wstring& path, std::int64_t& value) const {
   return GetTyped(*root_, path, value);
 }
-bool CXRegistry::GetReal(const std::wstring& path, double& value) const { return GetTyped(*root_, path, value); }
-bool CXRegistry::GetBoolean(const std::wstring& path, bool& value) const { return GetTyped(*root_, path, value); }
+bool CXRegistry::GetReal(const std::wstring& path, double& value) const {
+  return GetTyped(*root_, path, value);
+}
+bool CXRegistry::GetBoolean(const std::wstring& path, bool& value) const {
+  return GetTyped(*root_, path, value);
+}
 bool CXRegistry::SetString(const std::wstring& path, const std::wstring& value) {
   return SetTyped(*root_, path, value);
 }
-bool CXRegistry::SetInteger(const std::wstring& path, std::int64_t value) { return SetTyped(*root_, path, value); }
-bool CXRegistry::SetReal(const std::wstring& path, double value) { return SetTyped(*root_, path, value); }
-bool CXRegistry::SetBoolean(const std::wstring& path, bool value) { return SetTyped(*root_, path, value); }
+bool CXRegistry::SetInteger(const std::wstring& path, std::int64_t value) {
+  return SetTyped(*root_, path, value);
+}
+bool CXRegistry::SetReal(const std::wstring& path, double value) {
+  return SetTyped(*root_, path, value);
+}
+bool CXRegistry::SetBoolean(const std::wstring& path, bool value) {
+  return SetTyped(*root_, path, value);
+}
 
 bool CXRegistry::HasValue(const std::wstring& path) const {
   ValueType type{};

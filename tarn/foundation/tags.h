@@ -9,5 +9,9 @@ inline constexpr char kVersion[] = "version";
 inline constexpr char kName[] = "name";
 inline constexpr char kOverrideEnable[] = "OVR_ENABLE";
 inline constexpr char kPrintModeRoot[] = "PMH";
+inline constexpr char kTransferCurves[] = "TCURVES";
+inline constexpr char kSeparation[] = "SEPARATION";
+inline constexpr char kCurveData[] = "CURVEDATA";
+inline constexpr char kCurveData2[] = "CURVEDATA2";
 
 }  // namespace tarn::tags

@@ -1,6 +1,5 @@
 #include "tarn/foundation/xml.h"
 
-
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
@@ -9,7 +8,9 @@ namespace tarn::xml {
 
 namespace {
 
-void SetTextUtf8(pugi::xml_node node, const std::string& value) { node.text().set(value.c_str()); }
+void SetTextUtf8(pugi::xml_node node, const std::string& value) {
+  node.text().set(value.c_str());
+}
 
 // Collects pugixml's output in one string, so the file can be written in one piece.
 class StringWriter final : public pugi::xml_writer {
@@ -25,7 +26,9 @@ bool CheckRoot(const pugi::xml_document& document, const char* root) {
 
 }  // namespace
 
-pugi::xml_node AppendElement(pugi::xml_node parent, const char* tag) { return parent.append_child(tag); }
+pugi::xml_node AppendElement(pugi::xml_node parent, const char* tag) {
+  return parent.append_child(tag);
+}
 
 pugi::xml_node AppendText(pugi::xml_node parent, const char* tag, std::wstring_view value) {
   pugi::xml_node node = parent.append_child(tag);
@@ -71,7 +74,9 @@ pugi::xml_node AppendCData(pugi::xml_node parent, const char* tag, std::wstring_
   return node;
 }
 
-void SetText(pugi::xml_node node, std::wstring_view value) { SetTextUtf8(node, ToUtf8(value)); }
+void SetText(pugi::xml_node node, std::wstring_view value) {
+  SetTextUtf8(node, ToUtf8(value));
+}
 
 void SetAttribute(pugi::xml_node node, const char* name, std::wstring_view value) {
   node.append_attribute(name).set_value(ToUtf8(value).c_str());
@@ -108,23 +113,37 @@ std::wstring ReadText(const pugi::xml_node& node) {
   return FromUtf8(joined);
 }
 
-bool ReadBool(const pugi::xml_node& node) { return node.text().as_bool(); }
+bool ReadBool(const pugi::xml_node& node) {
+  return node.text().as_bool();
+}
 
-int ReadInt(const pugi::xml_node& node) { return node.text().as_int(); }
+int ReadInt(const pugi::xml_node& node) {
+  return node.text().as_int();
+}
 
-unsigned ReadUInt(const pugi::xml_node& node) { return node.text().as_uint(); }
+unsigned ReadUInt(const pugi::xml_node& node) {
+  return node.text().as_uint();
+}
 
-long long ReadInt64(const pugi::xml_node& node) { return node.text().as_llong(); }
+long long ReadInt64(const pugi::xml_node& node) {
+  return node.text().as_llong();
+}
 
-double ReadReal(const pugi::xml_node& node) { return ToReal(std::string_view(node.text().get())); }
+double ReadReal(const pugi::xml_node& node) {
+  return ToReal(std::string_view(node.text().get()));
+}
 
 std::wstring ReadAttribute(const pugi::xml_node& node, const char* name) {
   return FromUtf8(node.attribute(name).value());
 }
 
-bool ReadAttributeBool(const pugi::xml_node& node, const char* name) { return node.attribute(name).as_bool(); }
+bool ReadAttributeBool(const pugi::xml_node& node, const char* name) {
+  return node.attribute(name).as_bool();
+}
 
-int ReadAttributeInt(const pugi::xml_node& node, const char* name) { return node.attribute(name).as_int(); }
+int ReadAttributeInt(const pugi::xml_node& node, const char* name) {
+  return node.attribute(name).as_int();
+}
 
 double ReadAttributeReal(const pugi::xml_node& node, const char* name) {
   return ToReal(std::string_view(node.attribute(name).value()));

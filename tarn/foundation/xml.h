@@ -45,7 +45,8 @@ TARN_API pugi::xml_node AppendInt(pugi::xml_node parent, const char* tag, long l
 TARN_API pugi::xml_node AppendUInt(pugi::xml_node parent, const char* tag, unsigned long long value);
 // Appends a real as "%.17g", or in the printf format given (e.g. "%lf").
 TARN_API pugi::xml_node AppendReal(pugi::xml_node parent, const char* tag, double value);
-TARN_API pugi::xml_node AppendReal(pugi::xml_node parent, const char* tag, double value, std::string_view format);
+TARN_API pugi::xml_node AppendReal(pugi::xml_node parent, const char* tag, double value,
+                                   std::string_view format);
 // Appends <tag><![CDATA[value]]></tag>, so markup characters survive as they are.
 // A value holding "]]>" is split over several CDATA sections, as pugixml does.
 TARN_API pugi::xml_node AppendCData(pugi::xml_node parent, const char* tag, std::wstring_view value);

@@ -28,13 +28,13 @@ std::string Printf(const char* format, long long value) {
   return buffer;
 }
 
-const double kReals[] = {0.0,     -0.0,    0.5,      1.25,     -1.25,      0.00005,  0.00015,   1.0 / 3.0,
-                         2.5e-7,  123.456, 255.0,    -255.5,   1e15,       1e21,     9.9999995, 0.99995,
-                         1e-300,  1e300,   0.1,      0.7,      65025.0,    32258.0,  1e-5,      123456789.0,
-                         5e-324,  0.125,   2.675,    1.005,    -0.000001,  0.45,     1e-10,     3.14159265358979};
+const double kReals[] = {0.0,    -0.0,    0.5,   1.25,   -1.25,     0.00005, 0.00015,   1.0 / 3.0,
+                         2.5e-7, 123.456, 255.0, -255.5, 1e15,      1e21,    9.9999995, 0.99995,
+                         1e-300, 1e300,   0.1,   0.7,    65025.0,   32258.0, 1e-5,      123456789.0,
+                         5e-324, 0.125,   2.675, 1.005,  -0.000001, 0.45,    1e-10,     3.14159265358979};
 
 TEST(FormatReals, MatchTheCLibraryForEveryFormatTheFilesUse) {
-  const char* formats[] = {"%f",   "%lf",   "%0.04f", "%.4f", "%.8f",  "%.17g",  "%g",    "%e",
+  const char* formats[] = {"%f",   "%lf",    "%0.04f",   "%.4f",  "%.8f",  "%.17g",   "%g",   "%e",
                            "%.0f", "%10.3f", "%-10.2f|", "%+.2f", "% .3f", "%010.4f", "%.3e", "%G"};
   for (const char* format : formats) {
     for (const double value : kReals) {
@@ -96,9 +96,30 @@ TEST(FormatString, AppendsAndRemovesTheLastSeparator) {
 }
 
 TEST(ParseReal, ReadsWhatStrtodReads) {
-  const char* texts[] = {"0",       "0.5",     " 1.25",  "-3",      "+4.5",   "1e3",    "1E-3",  ".5",
-                         "5.",      "0x1p3",   "0X1.8p1", "inf",    "-Infinity", "12abc", "1,5",  "  \t7",
-                         "1e",      "1e+",     "0x",      "1e400",  "-1e400", "1e-400", "4.9e-324", "007",
+  const char* texts[] = {"0",
+                         "0.5",
+                         " 1.25",
+                         "-3",
+                         "+4.5",
+                         "1e3",
+                         "1E-3",
+                         ".5",
+                         "5.",
+                         "0x1p3",
+                         "0X1.8p1",
+                         "inf",
+                         "-Infinity",
+                         "12abc",
+                         "1,5",
+                         "  \t7",
+                         "1e",
+                         "1e+",
+                         "0x",
+                         "1e400",
+                         "-1e400",
+                         "1e-400",
+                         "4.9e-324",
+                         "007",
                          "0.000000000000000000000000000000000000000000000000000000000001"};
   for (const char* text : texts) {
     char* end = nullptr;
@@ -125,7 +146,8 @@ TEST(ParseReal, RefusesWhatIsNoNumber) {
 }
 
 TEST(ParseInt, ReadsWhatStrtolReads) {
-  for (const char* text : {"0", "42", " -17", "+8", "12.5", "abc", "", "99999999999999999999", "-99999999999999999999"}) {
+  for (const char* text :
+       {"0", "42", " -17", "+8", "12.5", "abc", "", "99999999999999999999", "-99999999999999999999"}) {
     char* end = nullptr;
     const long long expected = std::strtoll(text, &end, 10);
     long long value = -99;

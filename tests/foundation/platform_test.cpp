@@ -17,7 +17,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::wstring Wide(const fs::path& path) { return FromUtf8(path.string()); }
+std::wstring Wide(const fs::path& path) {
+  return FromUtf8(path.string());
+}
 
 TEST(NativePath, MatchesComponentsIgnoringCaseAsWindowsWould) {
   test::TempFolder temp;
@@ -30,7 +32,8 @@ TEST(NativePath, MatchesComponentsIgnoringCaseAsWindowsWould) {
   EXPECT_TRUE(FileExists(root + L"\\SYSTEM\\pmodes\\"));
   EXPECT_TRUE(FolderExists(root + L"\\system\\pmodes"));
   // Past a component that does not exist at all, the rest stays as written.
-  EXPECT_EQ(NativePath(root + L"\\system\\Missing\\File.pmx"), (temp.path() / "System/Missing/File.pmx").string());
+  EXPECT_EQ(NativePath(root + L"\\system\\Missing\\File.pmx"),
+            (temp.path() / "System/Missing/File.pmx").string());
   EXPECT_FALSE(FileExists(root + L"\\system\\Missing\\File.pmx"));
   EXPECT_FALSE(FileExists(L""));
 }
@@ -120,10 +123,18 @@ TEST(Wildcards, FollowWindowsRules) {
     bool matches;
   };
   const Case cases[] = {
-      {L"Gloss.pmx", L"*.pmx", true},   {L"Gloss.PMX", L"*.pmx", true},   {L"Gloss.pmx.bak", L"*.pmx", false},
-      {L"README", L"*.*", true},        {L"a.b.c", L"*.*", true},         {L"README", L"READ*.*", true},
-      {L"mode1.pmx", L"mode?.pmx", true}, {L"mode10.pmx", L"mode?.pmx", false}, {L"", L"*", true},
-      {L"abc", L"a*c*", true},          {L"abd", L"a*c", false},          {L"x.qmd", L"*.pmx", false},
+      {L"Gloss.pmx", L"*.pmx", true},
+      {L"Gloss.PMX", L"*.pmx", true},
+      {L"Gloss.pmx.bak", L"*.pmx", false},
+      {L"README", L"*.*", true},
+      {L"a.b.c", L"*.*", true},
+      {L"README", L"READ*.*", true},
+      {L"mode1.pmx", L"mode?.pmx", true},
+      {L"mode10.pmx", L"mode?.pmx", false},
+      {L"", L"*", true},
+      {L"abc", L"a*c*", true},
+      {L"abd", L"a*c", false},
+      {L"x.qmd", L"*.pmx", false},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(MatchesWildcard(c.name, c.pattern), c.matches) << ToUtf8(c.name) << " ~ " << ToUtf8(c.pattern);
@@ -170,7 +181,7 @@ TEST(HostInterfaces, TranslatorAndPaperQuery) {
   PrinterPaper paper;
   EXPECT_FALSE(QueryPrinterPaper(L"Office", paper));
   SetPrinterPaperQuery([](const std::wstring&, PrinterPaper& out) {
-    out = {L"A4", 2100, 2970};
+    out = {9, 2100, 2970, L"A4"};
     return true;
   });
   EXPECT_TRUE(QueryPrinterPaper(L"Office", paper));

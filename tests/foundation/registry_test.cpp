@@ -7,7 +7,8 @@
 namespace tarn {
 namespace {
 
-constexpr wchar_t kWrongType[] = L"[XRegistry] Attempting to access or set a value that is of the wrong data type: ";
+constexpr wchar_t kWrongType[] =
+    L"[XRegistry] Attempting to access or set a value that is of the wrong data type: ";
 constexpr wchar_t kBadSyntax[] = L"[XRegistry] Registry has invalid syntax around node: ";
 
 TEST(Registry, TypedValuesRoundTripThroughAFile) {

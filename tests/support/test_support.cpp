@@ -27,15 +27,19 @@ TempFolder::~TempFolder() {
   // Tests make files read-only; make everything writable so it can go.
   for (auto it = std::filesystem::recursive_directory_iterator(path_, ignored);
        it != std::filesystem::recursive_directory_iterator(); it.increment(ignored)) {
-    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all, std::filesystem::perm_options::add,
-                                 ignored);
+    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ignored);
   }
   std::filesystem::remove_all(path_, ignored);
 }
 
-std::wstring TempFolder::wide() const { return FromUtf8(path_.string()) + L"/"; }
+std::wstring TempFolder::wide() const {
+  return FromUtf8(path_.string()) + L"/";
+}
 
-std::wstring TempFolder::File(const std::string& name) const { return FromUtf8((path_ / name).string()); }
+std::wstring TempFolder::File(const std::string& name) const {
+  return FromUtf8((path_ / name).string());
+}
 
 MessageCapture::MessageCapture() : messages_(std::make_shared<std::vector<Message>>()) {
   auto sink = messages_;
@@ -44,7 +48,9 @@ MessageCapture::MessageCapture() : messages_(std::make_shared<std::vector<Messag
   });
 }
 
-MessageCapture::~MessageCapture() { SetMessageHandler({}); }
+MessageCapture::~MessageCapture() {
+  SetMessageHandler({});
+}
 
 DecimalCommaLocale::DecimalCommaLocale() {
   const char* current = std::setlocale(LC_ALL, nullptr);
