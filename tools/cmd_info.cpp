@@ -13,7 +13,9 @@ void Line(const char* label, const std::wstring& value) {
   std::printf("  %-20s %s\n", label, value.empty() ? "-" : ToUtf8(value).c_str());
 }
 
-void Line(const char* label, bool value) { std::printf("  %-20s %s\n", label, value ? "yes" : "no"); }
+void Line(const char* label, bool value) {
+  std::printf("  %-20s %s\n", label, value ? "yes" : "no");
+}
 
 int ShowPrintMode(const std::string& file) {
   const std::wstring path = FromUtf8(file);
@@ -45,6 +47,7 @@ int ShowPrintMode(const std::string& file) {
   Line("finish", mode.GetFinish());
   Line("windows underbase", mode.GetWindowsUnderbase());
   Line("complete", mode.ValidateMetaData());
+  ShowPrintModePrinter(file, mode.GetDriver());
   return kExitOk;
 }
 
@@ -55,7 +58,11 @@ int RunInfo(const Arguments& args) {
     std::fprintf(stderr, "usage: tarn info FILE\n");
     return kExitUsage;
   }
-  return ShowPrintMode(args[0]);
+  const std::string& file = args[0];
+  if (file.size() > 4 && EqualsNoCase(FromUtf8(file.substr(file.size() - 4)), L".pdx")) {
+    return ShowPrinterDefinition(file);
+  }
+  return ShowPrintMode(file);
 }
 
 }  // namespace tarn::tool

@@ -18,7 +18,14 @@ struct Command {
 };
 
 int RunInfo(const Arguments& args);
+
+// tarn info for a printer definition (.pdx); in cmd_info_printer.cpp.
+int ShowPrinterDefinition(const std::string& file);
+// The "printer definition" lines of tarn info FILE.pmx: the driver and where
+// its definition was found, looking in the folders above the print mode.
+void ShowPrintModePrinter(const std::string& file, const std::wstring& driver);
 int RunList(const Arguments& args);
+int RunCurves(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);

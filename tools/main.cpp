@@ -16,6 +16,8 @@ namespace {
 const Command kCommands[] = {
     {"info", "info FILE", "show a print mode (.pmx): header, metadata and sections", RunInfo},
     {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
+    {"curves", "curves FILE [-o OUT.svg]", "draw the transfer and separation curves of a print mode as SVG",
+     RunCurves},
 };
 
 void PrintHelp() {

@@ -67,7 +67,9 @@ bool IsPlainFileName(const std::wstring& name) {
 
 }  // namespace
 
-CPrintModeData::CPrintModeData() { SetDefaults(false); }
+CPrintModeData::CPrintModeData() {
+  SetDefaults(false);
+}
 
 CPrintModeData::CPrintModeData(const std::wstring& path) {
   SetDefaults(false);
@@ -102,7 +104,15 @@ void CPrintModeData::SetHeaderDefaults() {
 }
 
 void CPrintModeData::SetSectionDefaults() {
-  // sections: defaults
+  transfers_.SetDefaults();
+  separations_.SetDefaults();
+  image_adjust_.SetDefaults();
+  icc_profiles_.SetDefaults();
+  halftones_.SetDefaults();
+  printer_options_.SetDefaults();
+  max_ink_.SetDefaults();
+  laser_data_.SetDefaults();
+  fence_points_.SetDefaults();
 }
 
 void CPrintModeData::SetDefaults(bool headerOnly) {
@@ -176,7 +186,9 @@ bool CPrintModeData::LoadPrintMode(const wchar_t* printer, const wchar_t* driver
 }
 
 void CPrintModeData::ApplyLoadRepairs() {
-  // sections: load repairs (colour mode from the printer options, ICC paths)
+  // The printer options are the authority on the colour mode the print mode was made for.
+  separations_.SetColorMode(printer_options_.GetColorMode());
+  icc_profiles_.RepairMovedProfilePaths();
 }
 
 bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
@@ -236,15 +248,48 @@ bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
 }
 
 bool CPrintModeData::ReadSection(const pugi::xml_node& child) {
-  // sections: read (one branch per section element, exact names)
-  (void)child;
+  // Section elements are matched by their exact names.
+  if (xml::IsNamed(child, tags::kTransferCurves)) {
+    return transfers_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, tags::kSeparation)) {
+    return separations_.ReadXML(child, false);
+  }
+  if (xml::IsNamed(child, CPMImageAdjustData::kElementName)) {
+    return image_adjust_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, CPMHalftoneData::kElementName)) {
+    return halftones_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, CPMMaxInkData::kElementName)) {
+    return max_ink_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, CPMICCProfileData::kElementName)) {
+    return icc_profiles_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, CPMPrinterOptionsData::kElementName)) {
+    return printer_options_.ReadXML(child);
+  }
+  // Laser data is read whenever a file holds it, whatever the printer.
+  if (xml::IsNamed(child, CPMLaserData::kElementName)) {
+    return laser_data_.ReadXML(child);
+  }
+  if (xml::IsNamed(child, CPMFencePointData::kElementName)) {
+    return fence_points_.ReadXML(child);
+  }
   return false;
 }
 
 void CPrintModeData::WriteSections(pugi::xml_node root) const {
-  // sections: write, in this order: TCURVES, SEPARATION, IMAGING, ICCPROFILES,
-  // HALFTONEDATA, PRINTEROPTIONS, MAXINKEX, FENCEPOINTS
-  (void)root;
+  // The order of the sections is part of the file layout.
+  transfers_.WriteXML(root);
+  separations_.WriteXML(root);
+  image_adjust_.WriteXML(root);
+  icc_profiles_.WriteXML(root);
+  halftones_.WriteXML(root);
+  printer_options_.WriteXML(root);
+  max_ink_.WriteXML(root);
+  fence_points_.WriteXML(root);
 }
 
 void CPrintModeData::WriteXML(pugi::xml_node parent) const {
@@ -269,7 +314,10 @@ void CPrintModeData::WriteXML(pugi::xml_node parent) const {
   xml::AppendBool(metadata, kFinish, finish_);
   xml::AppendBool(metadata, kWindowsUnderbase, windows_underbase_);
   WriteSections(root);
-  // sections: laser data, written only for a laser printer
+  // Laser data only for a printer whose definition says it is a laser device.
+  if (IsLaserPrinter()) {
+    laser_data_.WriteXML(root);
+  }
 }
 
 void CPrintModeData::WriteTarnSection(pugi::xml_node node) const {
@@ -287,7 +335,8 @@ bool CPrintModeData::SavePrintMode(const wchar_t* folder, bool postscript) {
     return false;
   }
   if (!IsPlainFileName(name_)) {
-    ShowMessage(Format(L"The print mode cannot be saved: \"%s\" is not a plain file name.", name_), kErrorCaption);
+    ShowMessage(Format(L"The print mode cannot be saved: \"%s\" is not a plain file name.", name_),
+                kErrorCaption);
     return false;
   }
   if (postscript) {
@@ -322,7 +371,9 @@ bool CPrintModeData::ExtractXMLSection(std::wstring& out, const std::wstring& pa
   return xml::ExtractXMLSection(out, path);
 }
 
-bool CPrintModeData::IsLoaded() const { return disk_based_ ? loaded_ : true; }
+bool CPrintModeData::IsLoaded() const {
+  return disk_based_ ? loaded_ : true;
+}
 
 bool CPrintModeData::IsModified() const {
   if (!disk_based_ || !FileExists(full_path_)) {
@@ -347,23 +398,48 @@ std::wstring CPrintModeData::GetRelativePath() const {
 }
 
 bool CPrintModeData::ValidateMetaData() const {
-  return !ink_set_.empty() && !manufacturer_.empty() && !media_category_.empty() && !media_description_.empty();
+  return !ink_set_.empty() && !manufacturer_.empty() && !media_category_.empty() &&
+         !media_description_.empty();
 }
 
 bool CPrintModeData::operator==(const CPrintModeData& other) const {
   if (rotate_angle_ != other.rotate_angle_ || mirror_ != other.mirror_ || invert_ != other.invert_) {
     return false;
   }
-  // sections: comparison
-  return true;
+  if (transfers_ != other.transfers_ || separations_ != other.separations_) {
+    return false;
+  }
+  if (!(halftones_ == other.halftones_) || !(max_ink_ == other.max_ink_) ||
+      !(fence_points_ == other.fence_points_) || !(image_adjust_ == other.image_adjust_)) {
+    return false;
+  }
+  if (!(icc_profiles_ == other.icc_profiles_)) {
+    return false;
+  }
+  return printer_options_ == other.printer_options_;
+}
+
+SYNC_TYPE CPrintModeData::DoesRequireSyncing() const {
+  if (printer_options_.IsMarkedAsModified()) {
+    return SYNC_MODIFIED;
+  }
+  return printer_options_.IsMarkedForUpload() ? SYNC_UPLOAD : SYNC_NONE;
 }
 
 void CPrintModeData::EnableAllOverrideFlags() {
-  // sections: enable override flags
+  halftones_.SetEnable(true);
+  icc_profiles_.SetOverrideInput(true);
+  icc_profiles_.SetOverrideOutput(true);
+  icc_profiles_.SetOverrideOther(true);
+  printer_options_.SetOverrideEnable(true);
 }
 
 void CPrintModeData::DisableAllOverrideFlags() {
-  // sections: disable override flags
+  halftones_.SetEnable(false);
+  icc_profiles_.SetOverrideInput(false);
+  icc_profiles_.SetOverrideOutput(false);
+  icc_profiles_.SetOverrideOther(false);
+  printer_options_.SetOverrideEnable(false);
 }
 
 }  // namespace tarn

@@ -21,15 +21,26 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <pugixml.hpp>
 
 #include "tarn/foundation/export.h"
 
-// sections: includes
+#include "tarn/sections/fence_point_data.h"
+#include "tarn/sections/halftone_data.h"
+#include "tarn/sections/icc_profile_data.h"
+#include "tarn/sections/image_adjust_data.h"
+#include "tarn/sections/laser_data.h"
+#include "tarn/sections/max_ink_data.h"
+#include "tarn/sections/printer_options_data.h"
+#include "tarn/sections/separation_data.h"
+#include "tarn/sections/transfer_data.h"
 
 namespace tarn {
 
+class CColorDef;
 class CPrinterData;
 
 // The library's own version, written as QUEUEVERSION into every print mode.
@@ -38,6 +49,13 @@ inline constexpr int kQueueVersionMinor = 9;
 inline constexpr int kQueueVersionBuild = 259;
 // The version written on the root of a print mode file.
 inline constexpr int kPrintModeFileVersion = 8;
+
+// What the printer needs of a print mode (DoesRequireSyncing).
+enum SYNC_TYPE : int {
+  SYNC_NONE = 0,      // nothing to send
+  SYNC_UPLOAD = 1,    // marked for upload
+  SYNC_MODIFIED = 2,  // changed since the printer last had it
+};
 
 class TARN_API CPrintModeData {
  public:
@@ -103,6 +121,53 @@ class TARN_API CPrintModeData {
   // Kept for callers; does nothing.
   void HarmonizeICCData(bool /*colorAdjust*/) {}
 
+  // --- questions to the printer definition (tarn/printer/print_mode_printer.cpp) ---
+  // Each takes the printer definition to ask; null means the one named by the
+  // driver, loaded for the call (pass the printer when asking many questions).
+  // The print mode's colour mode: the "Color Plane" option, else the separations'.
+  std::wstring GetColorModeName() const;
+  // The printer's colour model for the colour mode (by name, then display name), or null.
+  const CColorDef* GetColorModel(const CPrinterData& printer) const;
+  // The colour model's planes in order, each with whether it carries colour.
+  // False when the printer lacks the model: the separations' planes are given
+  // then, with only the built-in process plates as colour planes.
+  bool GetPlanes(std::vector<std::pair<std::wstring, bool>>& planes,
+                 const CPrinterData* printer = nullptr) const;
+  // The plane's flags in the colour model; for a plane the model lacks, IsKeyWordPlaneBasic.
+  bool IsColorPlane(const std::wstring& plane, const CPrinterData* printer = nullptr) const;
+  bool IsKeyWordPlane(const std::wstring& plane, const CPrinterData* printer = nullptr) const;
+  // True for the built-in process plates: Cyan, Magenta, Yellow, Black, Gray (exact names).
+  static bool IsKeyWordPlaneBasic(const std::wstring& plane);
+  // The "Resolution" option, else the separations' resolution; SetResolution sets both.
+  std::wstring GetResolution() const;
+  void SetResolution(const std::wstring& resolution);
+  // Bits per pixel of the resolution in the printer, else the printer's "BITS"; 0 when neither.
+  int GetBitsPerPixel(const CPrinterData* printer = nullptr) const;
+  bool Is2BitPerPixel(const CPrinterData* printer = nullptr) const;
+  bool Is8BitPerPixel(const CPrinterData* printer = nullptr) const;
+  // True when the fence points hold dot sizes.
+  bool HasDotSizeData() const;
+  // True when the separations are made for the colour model and hold exactly
+  // its planes, each with a curve. False when the printer lacks the model.
+  bool ValidateSeparationData(const CPrinterData* printer = nullptr) const;
+  // Linear separations for every plane of the colour model colorMode, which
+  // also becomes the "Color Plane" option. False, nothing changed, when the
+  // printer lacks the model.
+  bool ResetSeparationData(const std::wstring& colorMode, const CPrinterData* printer = nullptr);
+  // True when no fence points are in use, or they belong to the colour model,
+  // name only its planes, and name only dot profiles of the resolution. False
+  // when the printer lacks the model.
+  bool ValidateFencePointData(const CPrinterData* printer = nullptr) const;
+  // Rebuilds the fence points from the resolution's fence points, the colour
+  // model's planes and the printer's dot profiles. False, nothing changed,
+  // when the printer lacks the model.
+  bool ResetFencePointData(const CPrinterData* printer = nullptr);
+  // Takes other's settings, keeps this record's name and file, and saves it
+  // there; false when the record has no file or the save fails.
+  bool SaveAndApply(const CPrintModeData& other);
+  // True when the printer definition named by the driver loads and is a laser device.
+  bool IsLaserPrinter() const;
+
   // --- header accessors ---
   const std::wstring& GetName() const { return name_; }
   void SetName(const std::wstring& name) { name_ = name; }
@@ -150,7 +215,43 @@ class TARN_API CPrintModeData {
   const std::wstring& GetTrailerText() const { return trailer_text_; }
   void SetTrailerText(const std::wstring& value) { trailer_text_ = value; }
 
-  // sections: accessors
+  // --- sections ---
+  // The transfer curves and separations, owned by the record; never null.
+  CPMTransferData* GetTransfers() { return &transfers_; }
+  const CPMTransferData* GetTransfers() const { return &transfers_; }
+  CPMSeparationData* GetSeparations() { return &separations_; }
+  const CPMSeparationData* GetSeparations() const { return &separations_; }
+  // Copy a section in, replacing the record's own.
+  void SetTransferData(const CPMTransferData& transfers) { transfers_ = transfers; }
+  void SetSeparationData(const CPMSeparationData& separations) { separations_ = separations; }
+  // Image adjustment, halftones, ink limits and fence points, owned by the
+  // record; never null.
+  CPMImageAdjustData* GetImageAdjust() { return &image_adjust_; }
+  const CPMImageAdjustData* GetImageAdjust() const { return &image_adjust_; }
+  CPMHalftoneData* GetHalftones() { return &halftones_; }
+  const CPMHalftoneData* GetHalftones() const { return &halftones_; }
+  CPMMaxInkData* GetMaxInkEx() { return &max_ink_; }
+  const CPMMaxInkData* GetMaxInkEx() const { return &max_ink_; }
+  CPMFencePointData* GetFencePointData() { return &fence_points_; }
+  const CPMFencePointData* GetFencePointData() const { return &fence_points_; }
+  void SetHalftone(const CPMHalftoneData& halftones) { halftones_ = halftones; }
+  // ICC profiles, printer options and laser data, owned by the record; never null.
+  CPMICCProfileData* GetICCProfiles() { return &icc_profiles_; }
+  const CPMICCProfileData* GetICCProfiles() const { return &icc_profiles_; }
+  CPMPrinterOptionsData* GetPrinterOptions() { return &printer_options_; }
+  const CPMPrinterOptionsData* GetPrinterOptions() const { return &printer_options_; }
+  CPMLaserData* GetLaserData() { return &laser_data_; }
+  const CPMLaserData* GetLaserData() const { return &laser_data_; }
+
+  // True when the ICC profile sections differ, so a new preview is needed.
+  bool CompareForPreviewRegenerate(const CPrintModeData& other) const {
+    return !(icc_profiles_ == other.icc_profiles_);
+  }
+  // SYNC_MODIFIED when the printer options are marked as modified, else
+  // SYNC_UPLOAD when marked for upload, else SYNC_NONE.
+  SYNC_TYPE DoesRequireSyncing() const;
+  // True when the printer options are not locked.
+  bool IsCustom() const { return !printer_options_.IsPMLocked(); }
 
  private:
   void SetHeaderDefaults();
@@ -183,7 +284,15 @@ class TARN_API CPrintModeData {
   bool mirror_ = false;
   int rotate_angle_ = 0;
 
-  // sections: members
+  CPMTransferData transfers_;
+  CPMSeparationData separations_;
+  CPMImageAdjustData image_adjust_;
+  CPMICCProfileData icc_profiles_;
+  CPMHalftoneData halftones_;
+  CPMPrinterOptionsData printer_options_;
+  CPMMaxInkData max_ink_;
+  CPMLaserData laser_data_;
+  CPMFencePointData fence_points_;
 };
 
 }  // namespace tarn

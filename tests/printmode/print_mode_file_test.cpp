@@ -21,7 +21,9 @@ constexpr wchar_t kUnsupportedText[] =
     L"This version of print mode is no longer supported.  Please update your printer package to the latest "
     L"version.";
 
-std::wstring Wide(const fs::path& path) { return FromUtf8(path.string()); }
+std::wstring Wide(const fs::path& path) {
+  return FromUtf8(path.string());
+}
 
 CPrintModeData HeaderSample() {
   CPrintModeData mode;
@@ -83,8 +85,8 @@ TEST(PrintModeFile, ReadsOlderFilesAndSavesThemAsCurrent) {
   EXPECT_TRUE(mode.GetInvert());
   EXPECT_TRUE(mode.GetMirror());  // a repeated element: the later value wins
   EXPECT_EQ(mode.GetMediaDescription(), L"Gloss & matte");
-  EXPECT_TRUE(mode.GetFinish());               // "yes" is true to pugixml's reading
-  EXPECT_FALSE(mode.GetWindowsUnderbase());    // anything else is false
+  EXPECT_TRUE(mode.GetFinish());             // "yes" is true to pugixml's reading
+  EXPECT_FALSE(mode.GetWindowsUnderbase());  // anything else is false
   EXPECT_TRUE(mode.IsRipVersionPresent());
   EXPECT_NE(mode.GetFileTime(), 0);
 
@@ -122,7 +124,7 @@ TEST(PrintModeFile, SaveAndReloadKeepsTheHeader) {
 }
 
 TEST(PrintModeFile, BadFilesAreRefusedWithTheUnsupportedMessage) {
-  const char* files[] = {"invalid/empty.pmx",          "invalid/not_xml.pmx",   "invalid/truncated.pmx",
+  const char* files[] = {"invalid/empty.pmx",          "invalid/not_xml.pmx",    "invalid/truncated.pmx",
                          "invalid/lowercase_root.pmx", "invalid/wrong_root.pmx", "invalid/binary_archive.pmx",
                          "invalid/does_not_exist.pmx"};
   for (const char* file : files) {
@@ -193,8 +195,12 @@ TEST(PrintModeSave, RefusesWhatWouldWriteElsewhereOrNowhere) {
     bool message;
   };
   const Case cases[] = {
-      {L"..\\escape.pmx", "inner", true}, {L"../escape.pmx", "inner", true},   {L"sub\\mode.pmx", "inner", true},
-      {L"..", "inner", true},             {L"", "inner", true},                {L"mode.pmx", "missing", true},
+      {L"..\\escape.pmx", "inner", true},
+      {L"../escape.pmx", "inner", true},
+      {L"sub\\mode.pmx", "inner", true},
+      {L"..", "inner", true},
+      {L"", "inner", true},
+      {L"mode.pmx", "missing", true},
       {L"C:mode.pmx", "inner", true},
   };
   for (const Case& c : cases) {
@@ -212,7 +218,7 @@ TEST(PrintModeSave, RefusesWhatWouldWriteElsewhereOrNowhere) {
   EXPECT_EQ(std::distance(fs::directory_iterator(temp.path()), fs::directory_iterator()), 1);
 
   CPrintModeData unbound = HeaderSample();
-  EXPECT_FALSE(unbound.SavePrintMode(nullptr, false));  // no folder at all
+  EXPECT_FALSE(unbound.SavePrintMode(nullptr, false));                   // no folder at all
   EXPECT_FALSE(unbound.SavePrintMode(Wide(temp.path()).c_str(), true));  // no PostScript writer yet
   EXPECT_FALSE(fs::exists(temp.path() / "Gloss Vinyl.pmx"));
 }
