@@ -410,18 +410,25 @@ bool Overflows(std::string_view digits, bool hex) {
   return exponent > 0;
 }
 
-size_t ParseRealAscii(std::string_view text, double& value) {
-  value = 0.0;
+// Skips the leading white space and sign that strtod and strtol accept;
+// returns where the digits start.
+size_t SkipSpaceAndSign(std::string_view text, bool& negative) {
   size_t i = 0;
   while (i < text.size() && IsSpace(static_cast<unsigned char>(text[i]))) {
     ++i;
   }
-  bool negative = false;
+  negative = false;
   if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
     negative = text[i] == '-';
     ++i;
   }
-  const size_t body = i;
+  return i;
+}
+
+size_t ParseRealAscii(std::string_view text, double& value) {
+  value = 0.0;
+  bool negative = false;
+  const size_t body = SkipSpaceAndSign(text, negative);
   if (body >= text.size() || text[body] == '+' || text[body] == '-') {
     return 0;
   }
@@ -440,8 +447,7 @@ size_t ParseRealAscii(std::string_view text, double& value) {
   const auto [ptr, ec] =
       std::from_chars(first, last, parsed, hex ? std::chars_format::hex : std::chars_format::general);
   if (ptr == first) {
-    // "0x" with no hex digits reads as the "0" before the x, as strtod does.
-    return 0;
+    return 0;  // no digits after the sign
   }
   if (ec == std::errc::result_out_of_range) {
     parsed = Overflows(std::string_view(first, static_cast<size_t>(ptr - first)), hex)
@@ -454,15 +460,8 @@ size_t ParseRealAscii(std::string_view text, double& value) {
 
 size_t ParseIntAscii(std::string_view text, long long& value) {
   value = 0;
-  size_t i = 0;
-  while (i < text.size() && IsSpace(static_cast<unsigned char>(text[i]))) {
-    ++i;
-  }
   bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-    negative = text[i] == '-';
-    ++i;
-  }
+  size_t i = SkipSpaceAndSign(text, negative);
   const size_t start = i;
   unsigned long long magnitude = 0;
   bool overflow = false;

@@ -165,40 +165,32 @@ CCustomDef* COptionMap::Get(const wchar_t* name, bool byName) const {
   return nullptr;
 }
 
-CColorDef* CColorMap::Get(const wchar_t* name, bool bySecondName) const {
-  if (!bySecondName) {
-    return CGenericMap::Get(name);
-  }
+namespace {
+
+// The first definition whose other name (as given by getter) equals name,
+// ignoring case; null for a null name or none.
+template <typename Map, typename Getter>
+auto FindByOtherName(const Map& map, const wchar_t* name, Getter getter)
+    -> decltype(map.begin()->second.get()) {
   if (name == nullptr) {
     return nullptr;
   }
-  for (const auto& entry : m_map) {
-    if (!entry.second) {
-      return nullptr;
-    }
-    if (EqualsNoCase(entry.second->GetDisplayName(), name)) {
+  for (const auto& entry : map) {
+    if (entry.second && EqualsNoCase((entry.second.get()->*getter)(), name)) {
       return entry.second.get();
     }
   }
   return nullptr;
 }
 
+}  // namespace
+
+CColorDef* CColorMap::Get(const wchar_t* name, bool bySecondName) const {
+  return bySecondName ? FindByOtherName(m_map, name, &CColorDef::GetDisplayName) : CGenericMap::Get(name);
+}
+
 CPageSizeDef* CPageMap::Get(const wchar_t* name, bool byPostScriptName) const {
-  if (!byPostScriptName) {
-    return CGenericMap::Get(name);
-  }
-  if (name == nullptr) {
-    return nullptr;
-  }
-  for (const auto& entry : m_map) {
-    if (!entry.second) {
-      return nullptr;
-    }
-    if (EqualsNoCase(entry.second->GetPSName(), name)) {
-      return entry.second.get();
-    }
-  }
-  return nullptr;
+  return byPostScriptName ? FindByOtherName(m_map, name, &CPageSizeDef::GetPSName) : CGenericMap::Get(name);
 }
 
 bool CPageMap::IsPageSupported(double width, double height) const {
