@@ -62,7 +62,7 @@ double FormatArg::AsReal() const {
 
 namespace {
 
-struct Spec {
+struct Directive {
   bool left = false;
   bool plus = false;
   bool space = false;
@@ -74,16 +74,16 @@ struct Spec {
 };
 
 // Pads body (already holding sign and prefix at its start: sign_len chars) to
-// the spec's width, inserting zeros after the sign when asked.
-std::string Pad(std::string body, size_t sign_len, const Spec& spec, bool zero_allowed) {
-  const size_t width = static_cast<size_t>(std::max(spec.width, 0));
+// the directive's width, inserting zeros after the sign when asked.
+std::string Pad(std::string body, size_t sign_len, const Directive& directive, bool zero_allowed) {
+  const size_t width = static_cast<size_t>(std::max(directive.width, 0));
   if (body.size() >= width) {
     return body;
   }
   const size_t fill = width - body.size();
-  if (spec.left) {
+  if (directive.left) {
     body.append(fill, ' ');
-  } else if (spec.zero && zero_allowed) {
+  } else if (directive.zero && zero_allowed) {
     body.insert(sign_len, fill, '0');
   } else {
     body.insert(0, fill, ' ');
@@ -91,21 +91,21 @@ std::string Pad(std::string body, size_t sign_len, const Spec& spec, bool zero_a
   return body;
 }
 
-std::string SignOf(bool negative, const Spec& spec) {
+std::string SignOf(bool negative, const Directive& directive) {
   if (negative) {
     return "-";
   }
-  if (spec.plus) {
+  if (directive.plus) {
     return "+";
   }
-  if (spec.space) {
+  if (directive.space) {
     return " ";
   }
   return "";
 }
 
-std::string FormatInteger(const FormatArg& arg, const Spec& spec) {
-  const char c = spec.conversion;
+std::string FormatInteger(const FormatArg& arg, const Directive& directive) {
+  const char c = directive.conversion;
   bool negative = false;
   unsigned long long magnitude = 0;
   if (c == 'd' || c == 'i') {
@@ -126,16 +126,16 @@ std::string FormatInteger(const FormatArg& arg, const Spec& spec) {
     std::transform(digits.begin(), digits.end(), digits.begin(),
                    [](char ch) { return (ch >= 'a' && ch <= 'f') ? static_cast<char>(ch - 32) : ch; });
   }
-  if (spec.precision >= 0) {
-    if (spec.precision == 0 && magnitude == 0) {
+  if (directive.precision >= 0) {
+    if (directive.precision == 0 && magnitude == 0) {
       digits.clear();
     }
-    if (digits.size() < static_cast<size_t>(spec.precision)) {
-      digits.insert(0, static_cast<size_t>(spec.precision) - digits.size(), '0');
+    if (digits.size() < static_cast<size_t>(directive.precision)) {
+      digits.insert(0, static_cast<size_t>(directive.precision) - digits.size(), '0');
     }
   }
-  std::string prefix = (c == 'd' || c == 'i') ? SignOf(negative, spec) : "";
-  if (spec.alt && magnitude != 0) {
+  std::string prefix = (c == 'd' || c == 'i') ? SignOf(negative, directive) : "";
+  if (directive.alt && magnitude != 0) {
     if (c == 'x') {
       prefix += "0x";
     } else if (c == 'X') {
@@ -145,11 +145,11 @@ std::string FormatInteger(const FormatArg& arg, const Spec& spec) {
     }
   }
   const size_t sign_len = prefix.size();
-  return Pad(prefix + digits, sign_len, spec, spec.precision < 0);
+  return Pad(prefix + digits, sign_len, directive, directive.precision < 0);
 }
 
-std::string FormatFloating(double value, const Spec& spec) {
-  const char c = spec.conversion;
+std::string FormatFloating(double value, const Directive& directive) {
+  const char c = directive.conversion;
   const bool upper = (c == 'F' || c == 'E' || c == 'G' || c == 'A');
   const bool negative = std::signbit(value);
   const double magnitude = std::fabs(value);
@@ -160,11 +160,11 @@ std::string FormatFloating(double value, const Spec& spec) {
       std::transform(body.begin(), body.end(), body.begin(),
                      [](char ch) { return static_cast<char>(ch - 32); });
     }
-    const std::string sign = SignOf(negative, spec);
-    return Pad(sign + body, sign.size(), spec, false);
+    const std::string sign = SignOf(negative, directive);
+    return Pad(sign + body, sign.size(), directive, false);
   }
   std::chars_format format = std::chars_format::fixed;
-  int precision = spec.precision < 0 ? 6 : spec.precision;
+  int precision = directive.precision < 0 ? 6 : directive.precision;
   switch (c) {
     case 'e':
     case 'E':
@@ -189,7 +189,7 @@ std::string FormatFloating(double value, const Spec& spec) {
   const int capped = std::min(precision, 400);
   std::string buffer(1100, '\0');
   std::to_chars_result result{};
-  if ((c == 'a' || c == 'A') && spec.precision < 0) {
+  if ((c == 'a' || c == 'A') && directive.precision < 0) {
     result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, format);
   } else {
     result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, format, capped);
@@ -201,9 +201,9 @@ std::string FormatFloating(double value, const Spec& spec) {
   if (c == 'a' || c == 'A') {
     body.insert(0, "0x");
   }
-  if ((c == 'g' || c == 'G') && spec.alt && body.find('.') == std::string::npos) {
+  if ((c == 'g' || c == 'G') && directive.alt && body.find('.') == std::string::npos) {
     body += '.';
-  } else if (spec.alt && precision == 0 && body.find('.') == std::string::npos) {
+  } else if (directive.alt && precision == 0 && body.find('.') == std::string::npos) {
     const size_t exponent = body.find_first_of("ep");
     body.insert(exponent == std::string::npos ? body.size() : exponent, ".");
   }
@@ -211,8 +211,8 @@ std::string FormatFloating(double value, const Spec& spec) {
     std::transform(body.begin(), body.end(), body.begin(),
                    [](char ch) { return (ch >= 'a' && ch <= 'z') ? static_cast<char>(ch - 32) : ch; });
   }
-  const std::string sign = SignOf(negative, spec);
-  return Pad(sign + body, sign.size(), spec, true);
+  const std::string sign = SignOf(negative, directive);
+  return Pad(sign + body, sign.size(), directive, true);
 }
 
 template <typename Char>
@@ -221,19 +221,19 @@ std::basic_string<Char> Widen(const std::string& ascii) {
 }
 
 template <typename Char>
-void AppendText(std::basic_string<Char>& out, const FormatArg& arg, const Spec& spec) {
+void AppendText(std::basic_string<Char>& out, const FormatArg& arg, const Directive& directive) {
   std::basic_string<Char> text;
   if constexpr (std::is_same_v<Char, char>) {
     text = arg.kind() == FormatArg::Kind::kWide ? ToUtf8(arg.wide()) : std::string(arg.narrow());
   } else {
     text = arg.kind() == FormatArg::Kind::kNarrow ? FromUtf8(arg.narrow()) : std::wstring(arg.wide());
   }
-  if (spec.precision >= 0 && text.size() > static_cast<size_t>(spec.precision)) {
-    text.resize(static_cast<size_t>(spec.precision));
+  if (directive.precision >= 0 && text.size() > static_cast<size_t>(directive.precision)) {
+    text.resize(static_cast<size_t>(directive.precision));
   }
-  const size_t width = static_cast<size_t>(std::max(spec.width, 0));
+  const size_t width = static_cast<size_t>(std::max(directive.width, 0));
   if (text.size() < width) {
-    text.insert(spec.left ? text.size() : 0, width - text.size(), static_cast<Char>(' '));
+    text.insert(directive.left ? text.size() : 0, width - text.size(), static_cast<Char>(' '));
   }
   out += text;
 }
@@ -255,19 +255,19 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
       continue;
     }
     const size_t start = i++;
-    Spec spec;
+    Directive directive;
     for (; i < n; ++i) {
       const Char f = format[i];
       if (f == '-') {
-        spec.left = true;
+        directive.left = true;
       } else if (f == '+') {
-        spec.plus = true;
+        directive.plus = true;
       } else if (f == ' ') {
-        spec.space = true;
+        directive.space = true;
       } else if (f == '0') {
-        spec.zero = true;
+        directive.zero = true;
       } else if (f == '#') {
-        spec.alt = true;
+        directive.alt = true;
       } else {
         break;
       }
@@ -276,27 +276,27 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
       const FormatArg* a = take();
       const long long w = a ? a->AsSigned() : 0;
       if (w < 0) {
-        spec.left = true;
+        directive.left = true;
       }
-      spec.width = static_cast<int>(std::min<long long>(w < 0 ? -w : w, 4096));
+      directive.width = static_cast<int>(std::min<long long>(w < 0 ? -w : w, 4096));
       ++i;
     } else {
       while (i < n && format[i] >= '0' && format[i] <= '9') {
-        spec.width = std::min(spec.width * 10 + static_cast<int>(format[i] - '0'), 4096);
+        directive.width = std::min(directive.width * 10 + static_cast<int>(format[i] - '0'), 4096);
         ++i;
       }
     }
     if (i < n && format[i] == '.') {
       ++i;
-      spec.precision = 0;
+      directive.precision = 0;
       if (i < n && format[i] == '*') {
         const FormatArg* a = take();
         const long long p = a ? a->AsSigned() : 0;
-        spec.precision = p < 0 ? -1 : static_cast<int>(std::min<long long>(p, 4096));
+        directive.precision = p < 0 ? -1 : static_cast<int>(std::min<long long>(p, 4096));
         ++i;
       } else {
         while (i < n && format[i] >= '0' && format[i] <= '9') {
-          spec.precision = std::min(spec.precision * 10 + static_cast<int>(format[i] - '0'), 4096);
+          directive.precision = std::min(directive.precision * 10 + static_cast<int>(format[i] - '0'), 4096);
           ++i;
         }
       }
@@ -317,7 +317,7 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
       break;
     }
     const Char conv = format[i++];
-    spec.conversion = static_cast<char>(conv);
+    directive.conversion = static_cast<char>(conv);
     switch (conv) {
       case '%':
         out += static_cast<Char>('%');
@@ -329,7 +329,7 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
       case 'x':
       case 'X':
         if (const FormatArg* a = take()) {
-          out += Widen<Char>(FormatInteger(*a, spec));
+          out += Widen<Char>(FormatInteger(*a, directive));
         }
         break;
       case 'f':
@@ -341,19 +341,19 @@ void AppendFormatT(std::basic_string<Char>& out, std::basic_string_view<Char> fo
       case 'a':
       case 'A':
         if (const FormatArg* a = take()) {
-          out += Widen<Char>(FormatFloating(a->AsReal(), spec));
+          out += Widen<Char>(FormatFloating(a->AsReal(), directive));
         }
         break;
       case 'c':
         if (const FormatArg* a = take()) {
           const std::wstring one(1, static_cast<wchar_t>(a->AsSigned()));
-          AppendText(out, FormatArg(one), spec);
+          AppendText(out, FormatArg(one), directive);
         }
         break;
       case 's':
       case 'S':
         if (const FormatArg* a = take()) {
-          AppendText(out, *a, spec);
+          AppendText(out, *a, directive);
         }
         break;
       default:
