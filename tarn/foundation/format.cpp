@@ -488,16 +488,27 @@ size_t ParseIntAscii(std::string_view text, long long& value) {
   return i;
 }
 
-// Numbers are ASCII: a wide text is narrowed up to its first non-ASCII
-// character, which ends any number anyway.
+// Numbers are ASCII: a wide text is narrowed over its leading white space and
+// the one token that may hold a number (digits, letters of "inf", "nan" and
+// hex, signs, points, parentheses of "nan(...)"). Stopping there keeps a
+// reader that walks a long list number by number linear.
 std::string NarrowAscii(std::wstring_view text) {
-  std::string out;
-  out.reserve(std::min<size_t>(text.size(), 512));
-  for (const wchar_t c : text) {
-    if (c <= 0 || c >= 0x80) {
+  size_t end = 0;
+  while (end < text.size() && text[end] < 0x80 && IsSpace(static_cast<int>(text[end]))) {
+    ++end;
+  }
+  while (end < text.size()) {
+    const wchar_t c = text[end];
+    const bool part = (c >= L'0' && c <= L'9') || (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') ||
+                      c == L'+' || c == L'-' || c == L'.' || c == L'(' || c == L')' || c == L'_';
+    if (!part) {
       break;
     }
-    out += static_cast<char>(c);
+    ++end;
+  }
+  std::string out(end, '\0');
+  for (size_t i = 0; i < end; ++i) {
+    out[i] = static_cast<char>(text[i]);
   }
   return out;
 }

@@ -65,7 +65,14 @@ void MergePoint(CurvePoints& points, double x, double y) {
       return;
     }
   }
-  points.emplace_back(x, y);
+  // The points are usually sorted already: then one insertion gives what
+  // appending and sorting would, without the sort.
+  const CurvePoint point(x, y);
+  if (std::is_sorted(points.begin(), points.end())) {
+    points.insert(std::upper_bound(points.begin(), points.end(), point), point);
+    return;
+  }
+  points.push_back(point);
   std::sort(points.begin(), points.end());
 }
 
@@ -168,6 +175,25 @@ CurvePoints GetDefaultCurve() {
   return IdentityOn(DENSITY_DEFAULTS);
 }
 
+namespace {
+
+// The default points merged one by one into an empty curve. No two table
+// entries lie within the merge tolerance of each other, so the merge keeps
+// them all in table order; building the result once saves every new curve
+// thirteen merges.
+const CurvePoints& MergedDefaultCurve() {
+  static const CurvePoints merged = [] {
+    CurvePoints points;
+    for (const auto& [x, y] : GetDefaultCurve()) {
+      MergePoint(points, x, y);
+    }
+    return points;
+  }();
+  return merged;
+}
+
+}  // namespace
+
 CurvePoints GetDefaultExtendedCurve() {
   return IdentityOn(DENSITY_EXTDEFAULTS);
 }
@@ -188,9 +214,7 @@ void CPMCurveData::SetDefaults() {
   keep_zero_ = false;
   extra_ = 0;
   if (density_mode_) {
-    for (const auto& [x, y] : GetDefaultCurve()) {
-      SetValue(x, y);
-    }
+    points_ = MergedDefaultCurve();
   } else {
     // Level points are kept by position, not sorted: low, gamma, high first.
     for (double v : LEVELS_DEFAULTS) {
@@ -443,10 +467,7 @@ CCurveData::CCurveData() {
 }
 
 void CCurveData::SetDefaults() {
-  points_.clear();
-  for (const auto& [x, y] : GetDefaultCurve()) {
-    SetValue(x, y);
-  }
+  points_ = MergedDefaultCurve();
   name_ = L"(*v*)Linear";
   XLT_TranslateString(name_);
   selected_ = false;
