@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "printmode/samples.h"
 #include "support/test_support.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -15,57 +16,18 @@
 namespace tarn {
 namespace {
 
-std::string Saved(const CPrintModeData& mode) {
-  pugi::xml_document document;
-  mode.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
-// Every point has at most four decimals, so that it survives the file's "%0.04f".
-CPMCurveData Shaped(const std::wstring& name, double factor, double y = 0.3125) {
-  CPMCurveData curve;
-  curve.SetName(name);
-  curve.MakeLinear(factor);
-  curve.SetValue(0.42, y);
-  return curve;
-}
-
-// A print mode in which every persisted field of both sections differs from its default.
 CPrintModeData CurveSample() {
   CPrintModeData mode;
   mode.SetName(L"Curves.pmx");
   mode.SetPrinterX(L"Aurora 64");
-
-  CPMTransferData& transfers = *mode.GetTransfers();
-  transfers.SetEnable(true);
-  transfers.SetMode(0);
-  transfers.SetInRipSeps(true);
-  for (unsigned plane = 1; plane < CPMTransferData::kPlaneCount; ++plane) {
-    transfers.SetCurve(plane, Shaped(L"", plane % 2 ? 0.5 : 0.25, 0.0625 * plane), 0);
-  }
-  CPMCurveData level(false, 0);
-  level.SetValueStraight(0, 10);
-  level.SetValueStraight(1, 1.25);
-  level.SetValueStraight(2, 245);
-  level.SetKeepZero(true);
-  transfers.SetCurve(4, level, 1);
-  transfers.GetCurve(1, 1)->MakeLinear(0.5);
-
-  CPMSeparationData separations;
-  separations.SetEnable(true);
-  separations.SetIdentifier(L"Orange set <2>");
-  // Loading takes the separations' colour mode from the printer options.
-  separations.SetColorMode(L"CMYK+O");
-  mode.GetPrinterOptions()->AddOption(L"Color Plane", L"CMYK+O");
-  auto cyan = std::make_unique<CPMSeparationData::ChannelQueue>();
-  cyan->push_back(Shaped(L"Cyan", 0.5));
-  cyan->push_back(Shaped(L"Orange", 0.25));
-  cyan->back().SetKeepZero(true);
-  separations.AddPlane(L"Cyan", std::move(cyan));
-  separations.AddLinearPlane(L"Orange");
-  separations.AddPlane(L"White", nullptr);
-  mode.SetSeparationData(separations);
+  test::FillCurveSections(mode);
   return mode;
+}
+
+std::string Saved(const CPrintModeData& mode) {
+  pugi::xml_document document;
+  mode.WriteXML(document);
+  return xml::SaveDocumentToString(document);
 }
 
 TEST(PrintModeCurves, SectionsStandInTheirPlaces) {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "printmode/samples.h"
 #include "support/test_support.h"
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/xml.h"
@@ -14,6 +15,13 @@ std::string Saved(const CPrintModeData& mode) {
   pugi::xml_document document;
   mode.WriteXML(document);
   return xml::SaveDocumentToString(document);
+}
+
+CPrintModeData OptionsSample() {
+  CPrintModeData mode;
+  mode.SetName(L"Options.pmx");
+  test::FillOptionSections(mode);
+  return mode;
 }
 
 // Sets a RIP folder on disk for one test and restores the old one after.
@@ -46,59 +54,6 @@ class PrintModeOptions : public ::testing::Test {
  private:
   std::wstring saved_root_;
 };
-
-CICCInfo Settings(int seed) {
-  CICCInfo info;
-  info.intent = ICC_INTENT_ABSOLUTE;
-  info.inIntent = seed;
-  info.outIntent = seed + 1;
-  info.mergefactor = seed + 2;
-  info.chroma2 = seed + 3;
-  info.flags = 0x80000000u | static_cast<unsigned>(seed);
-  info.range = seed + 4;
-  info.blackMode = ICC_BLACK_KEEP_PURE;
-  info.gcr = seed + 5;
-  info.start = seed + 6;
-  info.width = seed + 7;
-  info.inksave = seed + 8;
-  info.shadows = true;
-  info.blackRange = seed + 9;
-  info.inkMode = 1;
-  info.maxink = 280 + seed;
-  info.maxblack = 70 + seed;
-  info.custom = L"K<" + std::to_wstring(seed) + L">";
-  info.links = {L"Device \u00e9 " + std::to_wstring(seed) + L".icc"};
-  return info;
-}
-
-// A print mode whose ICC profiles and printer options differ from the defaults
-// in every field the file keeps. Override flags stay off: loading clears them.
-CPrintModeData OptionsSample() {
-  CPrintModeData mode;
-  mode.SetName(L"Options.pmx");
-  CPMICCProfileData& icc = *mode.GetICCProfiles();
-  for (int slot = 0; slot <= 7; ++slot) {
-    icc.SetICCPath(slot, L"C:\\Profiles\\Slot " + std::to_wstring(slot) + L" & <more>.icc");
-  }
-  for (int use = 0; use <= 9; ++use) {
-    icc.SetICCUsed(use, !icc.GetICCUsed(use));
-  }
-  for (int info = 1; info <= 9; ++info) {
-    icc.SetICCInfo(info, Settings(info * 10));
-  }
-  icc.SetSpotColorMatching(true);
-
-  CPMPrinterOptionsData& options = *mode.GetPrinterOptions();
-  options.SetAdvanced(true);
-  options.AddOption(L"Resolution", L"720x1440");
-  options.AddOption(L"Color Plane", L"CMYKOG");
-  options.AddOption(L"LOCKED", L"1");
-  options.AddOption(L"REQUPLOAD", L"2");
-  options.AddOption(L"Setup", L"<< /HWResolution [720 1440] >> ]]> setpagedevice");
-  // Loading gives the separations the printer options' colour mode.
-  mode.GetSeparations()->SetColorMode(L"CMYKOG");
-  return mode;
-}
 
 TEST_F(PrintModeOptions, SectionsStandInTheirPlaces) {
   const std::string text = Saved(OptionsSample());

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "printmode/samples.h"
 #include "support/test_support.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -13,59 +14,10 @@
 namespace tarn {
 namespace {
 
-// A print mode whose four sections differ from their defaults in every field.
 CPrintModeData ScreensSample() {
   CPrintModeData mode;
   mode.SetName(L"Screens.pmx");
-
-  CPMImageAdjustData* imaging = mode.GetImageAdjust();
-  imaging->SetSampling(3);
-  imaging->SetBlur(-2);
-  imaging->SetSaturation(125);
-
-  CPMHalftoneData* halftones = mode.GetHalftones();
-  halftones->SetIsUsed(true);
-  halftones->SetEnable(true);
-  halftones->SetUseSameShape(true);
-  halftones->SetUseSuperCell(false);
-  halftones->SetUseAppHalftoning(true);
-  halftones->SetUseAppSpotFunction(true);
-  halftones->SetJitter({{0, 0.25}, {50, 1.5}});
-  const CPMHalftoneOption cyan(133.9, 15.0, 13, L"Cyan", L"Process Cyan", false, 2);
-  halftones->AddHalftoneOption(&cyan);
-  const CPMHalftoneOption orange(85.0, 67.5, 0, L"Orange", L"Orange", true, -1);
-  halftones->AddHalftoneOption(&orange);
-
-  CPMMaxInkData* max_ink = mode.GetMaxInkEx();
-  max_ink->SetValueA(180.5);
-  max_ink->SetValueB(320.25);
-  max_ink->SetValueC(260.125);
-  max_ink->SetOldMaxInk(290.0);  // also enables the limits
-
-  CPMFencePointData* fences = mode.GetFencePointData();
-  fences->SetEnabled(true);
-  fences->SetUsed(1);
-  fences->SetOffset(true);
-  fences->SetColorMode(L"CMYK");
-  fences->SetProfileCount(2);
-  fences->SetProfile(0, {60, 150, 30, 190});
-  fences->SetProfile(1, {70, 170, 40, 200});
-  fences->SetColorPosition(L"Cyan", 0);
-  fences->SetColorPosition(L"Black", 1);
-  fences->SetTDLow(80);
-  fences->SetTDHigh(180);
-  fences->SetTDLimit(95);
-  fences->SetDotSizeData(L"Small", CDotSizeData{4, 0.35});
-  fences->SetDotSizeData(L"Large", CDotSizeData{12, 1.0});
-  fences->SetThresholdOffset(32);
-  fences->SetUseAlpha(1);
-  fences->SetAdjustHoles(0.8);
-  fences->SetInkRemovalEnabled(true);
-  fences->SetInkRemovalAngle(30.0);
-  fences->SetInkRemovalFrequency(25.5);
-  fences->SetInkRemovalShape(2);
-  fences->SetForSmallMediumLargeM5();
-  fences->GetTrizone(1)->SetVLD(L"VD2");
+  test::FillScreenSections(mode);
   return mode;
 }
 
