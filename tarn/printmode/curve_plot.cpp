@@ -114,7 +114,10 @@ std::vector<Panel> CollectPanels(const CPrintModeData& mode) {
       // A channel pulls its ink into the plane; colour it as that ink.
       const std::wstring& channel = curve.GetName();
       const bool pulled = channel != plane && !channel.empty();
-      const std::wstring label = pulled ? plane + L" \u2190 " + channel : plane;
+      std::wstring label = plane;
+      if (pulled) {
+        label.append(L" \u2190 ").append(channel);
+      }
       panel.curves.push_back(
           {label, ColourFor(curve.GetDrawColor(), pulled ? channel : plane, palette), &curve, pulled});
     }

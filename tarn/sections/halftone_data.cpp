@@ -384,7 +384,7 @@ void CPMHalftoneData::AddHalftoneOption(const CPMHalftoneOption* option) {
 void CPMHalftoneData::AddHalftones(const HalftoneMap& options) {
   if (&options == &options_) {
     // Adding the section's own screens would insert while walking them.
-    const HalftoneMap copy = options;
+    const HalftoneMap copy = options;  // NOLINT(performance-unnecessary-copy-initialization)
     AddHalftones(copy);
     return;
   }
