@@ -24,14 +24,8 @@ CPrintModeData CurveSample() {
   return mode;
 }
 
-std::string Saved(const CPrintModeData& mode) {
-  pugi::xml_document document;
-  mode.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
 TEST(PrintModeCurves, SectionsStandInTheirPlaces) {
-  const std::string text = Saved(CurveSample());
+  const std::string text = test::Written(CurveSample());
   const size_t metadata = text.find("\t</METADATA>\n");
   const size_t transfers = text.find("\t<TCURVES type=\"0\" inripseps=\"1\">\n");
   const size_t separations = text.find("\t<SEPARATION name=\"CMYK+O\" identifier=\"Orange set &lt;2>\">\n");
@@ -59,7 +53,7 @@ TEST(PrintModeCurves, EveryFieldSurvivesSaveAndReload) {
   EXPECT_EQ(*reloaded.GetSeparations(), *mode.GetSeparations());
   EXPECT_FALSE(reloaded.GetTransfers()->GetCurve(4, 1)->IsDensityMode());
   EXPECT_EQ(reloaded.GetSeparations()->GetSepInks(), std::vector<std::wstring>{L"Orange"});
-  EXPECT_EQ(Saved(reloaded), Saved(mode));
+  EXPECT_EQ(test::Written(reloaded), test::Written(mode));
 
   // A header-only file gives default sections.
   CPrintModeData header;

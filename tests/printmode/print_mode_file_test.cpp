@@ -41,14 +41,8 @@ CPrintModeData HeaderSample() {
   return mode;
 }
 
-std::string Saved(const CPrintModeData& mode) {
-  pugi::xml_document document;
-  mode.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
 TEST(PrintModeFile, HeaderIsWrittenInItsFixedLayout) {
-  const std::string text = Saved(HeaderSample());
+  const std::string text = test::Written(HeaderSample());
   const std::string header =
       "<?xml version=\"1.0\"?>\n"
       "<PMH version=\"8\">\n"
@@ -120,7 +114,7 @@ TEST(PrintModeFile, SaveAndReloadKeepsTheHeader) {
   EXPECT_TRUE(reloaded.GetUnderbase() && reloaded.GetFinish() && reloaded.GetWindowsUnderbase());
   EXPECT_EQ(reloaded.GetEmailAddress(), L"");  // never written
   EXPECT_EQ(reloaded.GetRotateAngle(), 0);     // kept in memory only
-  EXPECT_EQ(Saved(reloaded), Saved(CPrintModeData(temp.File("Gloss Vinyl.pmx"))));
+  EXPECT_EQ(test::Written(reloaded), test::Written(CPrintModeData(temp.File("Gloss Vinyl.pmx"))));
 }
 
 TEST(PrintModeFile, BadFilesAreRefusedWithTheUnsupportedMessage) {
@@ -288,12 +282,12 @@ TEST(PrintModeState, HeaderAndMetadataTakeNoPartInComparison) {
 }
 
 TEST(PrintModeLocale, DecimalCommaWritesTheSameBytes) {
-  const std::string in_c = Saved(HeaderSample());
+  const std::string in_c = test::Written(HeaderSample());
   test::DecimalCommaLocale locale;
   if (!locale.active()) {
     GTEST_SKIP() << "no decimal-comma locale on this machine";
   }
-  EXPECT_EQ(Saved(HeaderSample()), in_c);
+  EXPECT_EQ(test::Written(HeaderSample()), in_c);
 }
 
 }  // namespace

@@ -11,12 +11,6 @@
 namespace tarn {
 namespace {
 
-std::string Saved(const CPrintModeData& mode) {
-  pugi::xml_document document;
-  mode.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
 CPrintModeData OptionsSample() {
   CPrintModeData mode;
   mode.SetName(L"Options.pmx");
@@ -56,7 +50,7 @@ class PrintModeOptions : public ::testing::Test {
 };
 
 TEST_F(PrintModeOptions, SectionsStandInTheirPlaces) {
-  const std::string text = Saved(OptionsSample());
+  const std::string text = test::Written(OptionsSample());
   const size_t imaging = text.find("\t<IMAGING");
   const size_t icc = text.find("\t<ICCPROFILES ");
   const size_t halftones = text.find("\t<HALFTONEDATA");
@@ -86,7 +80,7 @@ TEST_F(PrintModeOptions, EveryFieldSurvivesSaveAndReload) {
   EXPECT_TRUE(*reloaded.GetICCProfiles() == *mode.GetICCProfiles());
   EXPECT_TRUE(*reloaded.GetPrinterOptions() == *mode.GetPrinterOptions());
   EXPECT_EQ(reloaded.GetICCProfiles()->GetICCPath(ICC_OUT_DEVICE_PATH), L"C:\\Profiles\\Slot 7 & <more>.icc");
-  EXPECT_EQ(Saved(reloaded), Saved(mode));
+  EXPECT_EQ(test::Written(reloaded), test::Written(mode));
   EXPECT_TRUE(messages_.empty());
 }
 
@@ -96,9 +90,9 @@ TEST_F(PrintModeOptions, LoadingClearsTheOverrideFlags) {
   const CPMICCProfileData& icc = *mode.GetICCProfiles();
   EXPECT_TRUE(icc.GetOverrideInput() && icc.GetOverrideOutput() && icc.GetOverrideOther());
   EXPECT_TRUE(mode.GetPrinterOptions()->GetOverrideEnable());
-  EXPECT_NE(Saved(mode).find("overrideinput=\"1\" overrideoutput=\"1\" overrideother=\"1\""),
+  EXPECT_NE(test::Written(mode).find("overrideinput=\"1\" overrideoutput=\"1\" overrideother=\"1\""),
             std::string::npos);
-  EXPECT_NE(Saved(mode).find("<OVR_ENABLE>1</OVR_ENABLE>"), std::string::npos);
+  EXPECT_NE(test::Written(mode).find("<OVR_ENABLE>1</OVR_ENABLE>"), std::string::npos);
 
   const CPrintModeData reloaded = SaveAndReload(mode);
   EXPECT_FALSE(reloaded.GetICCProfiles()->GetOverrideInput());

@@ -13,13 +13,6 @@
 namespace tarn {
 namespace {
 
-template <typename Record>
-std::string Written(const Record& record) {
-  pugi::xml_document document;
-  record.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
 std::string TrizoneText(const CTrizoneData& trizone) {
   pugi::xml_document document;
   trizone.WriteXML(document);
@@ -132,7 +125,7 @@ TEST(Trizone, ReadRefusesTextThatIsNotSevenWholeNumbers) {
 }
 
 TEST(FencePoints, DefaultSectionWritesOnlyTheScreenSettings) {
-  EXPECT_EQ(Written(CPMFencePointData()),
+  EXPECT_EQ(test::Written(CPMFencePointData()),
             "<?xml version=\"1.0\"?>\n"
             "<FENCEPOINTS>\n"
             "\t<THRESHOLD_OFFSET>64</THRESHOLD_OFFSET>\n"
@@ -153,7 +146,7 @@ TEST(FencePoints, DefaultSectionWritesOnlyTheScreenSettings) {
   for (const auto& take_away : missing) {
     CPMFencePointData section = SmallSection();
     take_away(section);
-    EXPECT_EQ(Written(section).find("COLORMODE"), std::string::npos);
+    EXPECT_EQ(test::Written(section).find("COLORMODE"), std::string::npos);
   }
 }
 
@@ -163,7 +156,7 @@ TEST(FencePoints, FullSectionWritesTheBodyInOrder) {
   section.SetProfile(0, {10, 20, 30, 40});
   section.SetProfile(1, {1, 2, 3, 4});  // beyond the profile count: not written
   EXPECT_EQ(
-      Written(section),
+      test::Written(section),
       "<?xml version=\"1.0\"?>\n"
       "<FENCEPOINTS enabled=\"1\" used=\"2\" profiles=\"1\" TDHigh=\"170\" TDLow=\"85\" TDLimit=\"100\" "
       "Offset=\"0\">\n"
@@ -236,7 +229,7 @@ TEST(FencePoints, EveryFieldSurvivesWriteAndRead) {
   CPMFencePointData copy;
   ASSERT_TRUE(copy.ReadXML(document.first_child()));
   EXPECT_EQ(copy, section);
-  EXPECT_EQ(Written(copy), Written(section));
+  EXPECT_EQ(test::Written(copy), test::Written(section));
 }
 
 TEST(FencePoints, ReadingStartsFromDefaultsUnlessAskedToReadOver) {

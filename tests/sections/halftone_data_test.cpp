@@ -12,13 +12,6 @@
 namespace tarn {
 namespace {
 
-std::string Written(const CPMHalftoneData& section) {
-  pugi::xml_document document;
-  pugi::xml_node root = document;
-  section.WriteXML(root);
-  return xml::SaveDocumentToString(document);
-}
-
 // Reads the first element of text into section.
 bool ReadInto(CPMHalftoneData& section, const std::string& text) {
   pugi::xml_document document;
@@ -177,7 +170,7 @@ TEST(HalftoneSection, DefaultsHoldFiveScreensWithTheirAnglesAndAnUnusedSectionWr
   EXPECT_EQ(section.GetJitter().size(), 21u);
   EXPECT_EQ(section.GetJitter().back(), (std::pair<std::int32_t, double>(100, 0.0)));
 
-  EXPECT_EQ(Written(section), "<?xml version=\"1.0\"?>\n");
+  EXPECT_EQ(test::Written(section), "<?xml version=\"1.0\"?>\n");
 }
 
 TEST(HalftoneSection, WritesSwitchesScreensAndJitterInOrder) {
@@ -192,7 +185,7 @@ TEST(HalftoneSection, WritesSwitchesScreensAndJitterInOrder) {
   const CPMHalftoneOption unnamed(60.0, 45.0, 0, L"", L"", true, 0);
   section.AddHalftoneOption(&unnamed);  // an empty key is never written
   section.SetJitter({{0, 0.5}, {50, -1.25}});
-  EXPECT_EQ(Written(section),
+  EXPECT_EQ(test::Written(section),
             "<?xml version=\"1.0\"?>\n"
             "<HALFTONEDATA enable=\"1\" app=\"0\" spot=\"1\" same=\"1\" super=\"1\">\n"
             "\t<OVR_ENABLE>1</OVR_ENABLE>\n"
@@ -213,7 +206,7 @@ TEST(HalftoneSection, WritesSwitchesScreensAndJitterInOrder) {
 
   section.SetEnable(false);
   section.SetJitter({});
-  const std::string text = Written(section);
+  const std::string text = test::Written(section);
   EXPECT_EQ(text.find("OVR_ENABLE"), std::string::npos);
   EXPECT_NE(text.find("<JitterData />"), std::string::npos);
 }

@@ -11,15 +11,9 @@
 namespace tarn {
 namespace {
 
-std::string Written(const CPMLaserData& laser) {
-  pugi::xml_document document;
-  laser.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
 CPMLaserData RoundTrip(const CPMLaserData& laser) {
   pugi::xml_document document;
-  EXPECT_TRUE(xml::LoadDocumentFromBuffer(document, Written(laser), "LASERDATA"));
+  EXPECT_TRUE(xml::LoadDocumentFromBuffer(document, test::Written(laser), "LASERDATA"));
   CPMLaserData copy;
   copy.GetPens().AddColor(CColor::FromRGB(1, 2, 3));  // reading must start from the defaults
   EXPECT_TRUE(copy.ReadXML(document.first_child()));
@@ -159,7 +153,7 @@ TEST(LaserPens, CopiesAreDeep) {
 }
 
 TEST(LaserSection, DefaultsAreWrittenExactly) {
-  EXPECT_EQ(Written(CPMLaserData()),
+  EXPECT_EQ(test::Written(CPMLaserData()),
             "<?xml version=\"1.0\"?>\n"
             "<LASERDATA version=\"2\">\n"
             "\t<RPOWER>0.5</RPOWER>\n"
@@ -211,22 +205,22 @@ TEST(LaserSection, EveryStoredFieldSurvivesARoundTrip) {
 }
 
 TEST(LaserSection, BytesDoNotDependOnTheLocale) {
-  const std::string expected = Written(ChangedLaser());
+  const std::string expected = test::Written(ChangedLaser());
   test::DecimalCommaLocale comma;
   if (!comma.active()) {
     GTEST_SKIP() << "no locale with a decimal comma on this machine";
   }
-  EXPECT_EQ(Written(ChangedLaser()), expected);
+  EXPECT_EQ(test::Written(ChangedLaser()), expected);
   EXPECT_TRUE(RoundTrip(ChangedLaser()) == ChangedLaser());
 }
 
 TEST(LaserSection, TheRotaryFixtureIsWrittenOnlyWhenInUse) {
   CPMLaserData laser;
   laser.SetRotaryFixture(99);
-  EXPECT_EQ(Written(laser).find("ROTARYFIXTURE"), std::string::npos);
+  EXPECT_EQ(test::Written(laser).find("ROTARYFIXTURE"), std::string::npos);
   EXPECT_EQ(RoundTrip(laser).GetRotaryFixture(), 25.4);
   laser.SetUseRotaryFixture(true);
-  EXPECT_NE(Written(laser).find("<ROTARYFIXTURE>99</ROTARYFIXTURE>"), std::string::npos);
+  EXPECT_NE(test::Written(laser).find("<ROTARYFIXTURE>99</ROTARYFIXTURE>"), std::string::npos);
 }
 
 TEST(LaserSection, MalformedInputKeepsDefaults) {

@@ -12,13 +12,6 @@ namespace tarn {
 namespace {
 
 template <typename Record>
-std::string Written(const Record& record) {
-  pugi::xml_document document;
-  record.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
-
-template <typename Record>
 bool ReadInto(Record& record, const std::string& text) {
   pugi::xml_document document;
   EXPECT_TRUE(document.load_string(text.c_str()));
@@ -26,7 +19,7 @@ bool ReadInto(Record& record, const std::string& text) {
 }
 
 TEST(MaxInk, DefaultAndOldLimitLayouts) {
-  EXPECT_EQ(Written(CPMMaxInkData()),
+  EXPECT_EQ(test::Written(CPMMaxInkData()),
             "<?xml version=\"1.0\"?>\n"
             "<MAXINKEX enable=\"0\">\n"
             "\t<MIDATA>0.000000,0.000000,400.000000,400.000000,0.000000,0.000000</MIDATA>\n"
@@ -36,7 +29,7 @@ TEST(MaxInk, DefaultAndOldLimitLayouts) {
   data.SetOldMaxInk(300);
   data.SetValueA(250.5);
   data.SetValueC(280);
-  EXPECT_EQ(Written(data),
+  EXPECT_EQ(test::Written(data),
             "<?xml version=\"1.0\"?>\n"
             "<MAXINKEX enable=\"1\" use_old_value=\"1\">\n"
             "\t<MIDATA>250.500000,250.500000,400.000000,280.000000,0.000000,0.000000</MIDATA>\n"
@@ -100,14 +93,14 @@ TEST(MaxInk, EveryFieldSurvivesWriteAndRead) {
   data.SetValueC(300.75);
   data.SetOldMaxInk(275.25);
   CPMMaxInkData copy;
-  ASSERT_TRUE(ReadInto(copy, Written(data)));
+  ASSERT_TRUE(ReadInto(copy, test::Written(data)));
   EXPECT_EQ(copy, data);
   EXPECT_TRUE(copy.UseOldMaxInk());
   EXPECT_EQ(copy.GetOldMaxInk(), 275.25);
 
   // Without the old limit the old value is not kept.
   data.SetEnable(true);
-  ASSERT_TRUE(ReadInto(copy, Written(data)));
+  ASSERT_TRUE(ReadInto(copy, test::Written(data)));
   EXPECT_TRUE(copy.GetEnable());
   EXPECT_FALSE(copy.UseOldMaxInk());
   EXPECT_EQ(copy.GetOldMaxInk(), 0.0);
@@ -144,7 +137,7 @@ TEST(MaxInk, MalformedNumbersKeepTheDefaults) {
 }
 
 TEST(ImageAdjust, WritesThreeNumbersAndReadsThemBack) {
-  EXPECT_EQ(Written(CPMImageAdjustData()),
+  EXPECT_EQ(test::Written(CPMImageAdjustData()),
             "<?xml version=\"1.0\"?>\n"
             "<IMAGING>\n"
             "\t<SAMPLING>0</SAMPLING>\n"
@@ -157,7 +150,7 @@ TEST(ImageAdjust, WritesThreeNumbersAndReadsThemBack) {
   data.SetBlur(-3);
   data.SetSaturation(140);
   CPMImageAdjustData copy;
-  ASSERT_TRUE(ReadInto(copy, Written(data)));
+  ASSERT_TRUE(ReadInto(copy, test::Written(data)));
   EXPECT_EQ(copy, data);
 
   // Missing children keep their defaults, even over earlier values.

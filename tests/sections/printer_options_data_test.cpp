@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_support.h"
+
 #include <string>
 #include <vector>
 
@@ -9,12 +11,6 @@
 
 namespace tarn {
 namespace {
-
-std::string Written(const CPMPrinterOptionsData& options) {
-  pugi::xml_document document;
-  options.WriteXML(document);
-  return xml::SaveDocumentToString(document);
-}
 
 bool ReadInto(CPMPrinterOptionsData& options, const std::string& text) {
   pugi::xml_document document;
@@ -24,7 +20,7 @@ bool ReadInto(CPMPrinterOptionsData& options, const std::string& text) {
 
 CPMPrinterOptionsData RoundTrip(const CPMPrinterOptionsData& options) {
   pugi::xml_document document;
-  EXPECT_TRUE(xml::LoadDocumentFromBuffer(document, Written(options), "PRINTEROPTIONS"));
+  EXPECT_TRUE(xml::LoadDocumentFromBuffer(document, test::Written(options), "PRINTEROPTIONS"));
   CPMPrinterOptionsData copy;
   EXPECT_TRUE(copy.ReadXML(document.first_child()));
   return copy;
@@ -37,11 +33,11 @@ std::wstring ValueOf(const CPMPrinterOptionsData& options, const std::wstring& n
 
 TEST(PrinterOptionsXml, SwitchesOffWriteOnlyTheOptions) {
   CPMPrinterOptionsData options;
-  EXPECT_EQ(Written(options), "<?xml version=\"1.0\"?>\n<PRINTEROPTIONS />\n");
+  EXPECT_EQ(test::Written(options), "<?xml version=\"1.0\"?>\n<PRINTEROPTIONS />\n");
 
   options.AddOption(L"Resolution", L"720x720");
   options.AddOption(L"Color Plane", L"CMYK");
-  EXPECT_EQ(Written(options),
+  EXPECT_EQ(test::Written(options),
             "<?xml version=\"1.0\"?>\n"
             "<PRINTEROPTIONS>\n"
             "\t<OPTION>\n"
@@ -60,7 +56,7 @@ TEST(PrinterOptionsXml, SwitchesOnAreWrittenFirst) {
   options.SetOverrideEnable(true);
   options.SetAdvanced(true);
   options.AddOption(L"Media", L"Gloss");
-  EXPECT_EQ(Written(options),
+  EXPECT_EQ(test::Written(options),
             "<?xml version=\"1.0\"?>\n"
             "<PRINTEROPTIONS>\n"
             "\t<OVR_ENABLE>1</OVR_ENABLE>\n"

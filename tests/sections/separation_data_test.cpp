@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_support.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,13 +14,6 @@ namespace tarn {
 namespace {
 
 using Names = std::vector<std::wstring>;
-
-std::string Written(const CPMSeparationData& separations) {
-  pugi::xml_document document;
-  pugi::xml_node root = document;
-  separations.WriteXML(root);
-  return xml::SaveDocumentToString(document);
-}
 
 CPMSeparationData RoundTrip(const CPMSeparationData& separations) {
   pugi::xml_document document;
@@ -58,7 +53,7 @@ CPMSeparationData TwoPlanes() {
 }
 
 TEST(SeparationDataTest, WrittenExactly) {
-  EXPECT_EQ(Written(CPMSeparationData()),
+  EXPECT_EQ(test::Written(CPMSeparationData()),
             "<?xml version=\"1.0\"?>\n<SEPARATION name=\"\">\n\t<OVR_ENABLE>0</OVR_ENABLE>\n</SEPARATION>\n");
 
   CPMSeparationData separations;
@@ -67,7 +62,7 @@ TEST(SeparationDataTest, WrittenExactly) {
   separations.SetEnable(true);
   separations.AddLinearPlane(L"Cyan");
   separations.AddPlane(L"Empty", nullptr);
-  EXPECT_EQ(Written(separations),
+  EXPECT_EQ(test::Written(separations),
             "<?xml version=\"1.0\"?>\n"
             "<SEPARATION name=\"CMYK\" identifier=\"Set A\">\n"
             "\t<OVR_ENABLE>1</OVR_ENABLE>\n"

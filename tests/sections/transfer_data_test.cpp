@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_support.h"
+
 #include <string>
 #include <vector>
 
@@ -9,13 +11,6 @@
 
 namespace tarn {
 namespace {
-
-std::string Written(const CPMTransferData& transfers) {
-  pugi::xml_document document;
-  pugi::xml_node root = document;
-  transfers.WriteXML(root);
-  return xml::SaveDocumentToString(document);
-}
 
 CPMTransferData RoundTrip(const CPMTransferData& transfers) {
   pugi::xml_document document;
@@ -48,13 +43,13 @@ TEST(TransferDataTest, DefaultSectionIsWrittenExactly) {
     }
   }
   expected += "</TCURVES>\n";
-  EXPECT_EQ(Written(CPMTransferData()), expected);
+  EXPECT_EQ(test::Written(CPMTransferData()), expected);
 
   CPMTransferData all;
   all.SetUseAll(true);
   all.SetEnable(true);
   all.SetMode(3);
-  EXPECT_EQ(Written(all),
+  EXPECT_EQ(test::Written(all),
             "<?xml version=\"1.0\"?>\n<TCURVES type=\"1\" inripseps=\"0\" all=\"1\">\n"
             "\t<OVR_ENABLE>1</OVR_ENABLE>\n" +
                 DefaultCurveElement("CURVEDATA", "All") + DefaultCurveElement("CURVEDATA2", "All") +

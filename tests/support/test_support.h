@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include <pugixml.hpp>
+
+#include "tarn/foundation/xml.h"
+
 namespace tarn::test {
 
 // A fresh folder under the system's temporary folder, removed with everything
@@ -64,6 +68,15 @@ class DecimalCommaLocale {
   bool active_ = false;
   std::string previous_;
 };
+
+// The text a record writes as the only element of a document, as files hold it.
+template <typename Record>
+std::string Written(const Record& record) {
+  pugi::xml_document document;
+  pugi::xml_node root = document;
+  record.WriteXML(root);
+  return xml::SaveDocumentToString(document);
+}
 
 std::string ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
