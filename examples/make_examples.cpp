@@ -1,10 +1,11 @@
-// Writes the sample print modes of examples/rip with the library itself, so
+// Writes the sample print modes and media of examples/rip with the library itself, so
 // the samples always carry the current file layout. Run by scripts/make-examples.
 //
 // usage: tarn_make_examples RIPFOLDER
 
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,79 @@ void LaserTuning(tarn::CPrintModeData& mode) {
   laser.SetRasterSpeed(40.0);
 }
 
+constexpr double kMm = 72.0 / 25.4;
+
+// The sample media of each printer, written through the printer's media list
+// into its media folder (System/pmodes/<driver>/Media).
+std::vector<tarn::CPrintMedia> SampleMedia(const std::wstring& driver) {
+  std::vector<tarn::CPrintMedia> media;
+  if (driver == L"Aurora64") {
+    tarn::CPrintMedia roll;
+    roll.CreateDefaultRoll(54 * 72.0);
+    roll.SetName(L"Vinyl_Roll_54in");
+    roll.SetMargins(0.2 * 72, 0.2 * 72, 0, 0);
+    media.push_back(roll);
+
+    // A maker's banner medium: locked, with its own page set-up.
+    tarn::CPrintMedia banner;
+    banner.SetType(tarn::CPrintMedia::MEDIA_FIXED);
+    banner.SetName(L"Kestrel_Banner_1000x3000");
+    banner.SetVersion(L"2");
+    banner.SetCopyright(L"Kestrel Inks media definition");
+    banner.SetSize(1000 * kMm, 3000 * kMm);
+    banner.SetMargins(10 * kMm, 10 * kMm, 25 * kMm, 25 * kMm);
+    banner.SetLocked(true);
+    banner.SetPS(L"<< /PageSize [2834.646 8503.937] /MediaType (Banner) >> setpagedevice");
+    banner.SetPSImageableArea(banner.MakePSImageableArea());
+    banner.SetPSDimension(banner.MakePSDimension());
+    media.push_back(banner);
+  } else if (driver == L"Hexa6") {
+    tarn::CPrintMedia proof;
+    proof.SetType(tarn::CPrintMedia::MEDIA_SHEET);
+    proof.SetName(L"Proof_A3_Plus");
+    proof.SetSize(329 * kMm, 483 * kMm);
+    proof.SetMargins(5 * kMm, 5 * kMm, 5 * kMm, 12 * kMm);
+    media.push_back(proof);
+
+    // Six labels of 60 x 80 mm on an A4-sized sheet, numbered down the columns.
+    tarn::CQTAData quickSet;
+    quickSet.SetNumber(3, 2);
+    quickSet.SetSlotSize(60 * kMm, 80 * kMm);
+    quickSet.SetSpacing(5 * kMm, 6 * kMm);
+    quickSet.SetOffset(10 * kMm, 20 * kMm);
+    quickSet.SetFillOrder(1);
+    std::unique_ptr<tarn::CPrintMedia> labels = quickSet.GenerateTemplate();
+    labels->SetName(L"Labels_3x2");
+    labels->SetSize(tarn::CPrintMedia::kA4Width, tarn::CPrintMedia::kA4Height);
+    media.push_back(*labels);
+  } else if (driver == L"Lumen40") {
+    tarn::CPrintMedia board;
+    board.SetType(tarn::CPrintMedia::MEDIA_SHEET);
+    board.SetName(L"Plywood_600x300");
+    board.SetSize(600 * kMm, 300 * kMm);
+    media.push_back(board);
+  }
+  return media;
+}
+
+int WriteSampleMedia(const std::wstring& driver) {
+  tarn::CPrinterData printer;
+  if (!printer.LoadPrinter(driver)) {
+    std::fprintf(stderr, "no printer definition for %s\n", tarn::ToUtf8(driver).c_str());
+    return 1;
+  }
+  tarn::CPrintMediaList list;
+  list.Initialize(&printer, nullptr, nullptr);
+  for (tarn::CPrintMedia& media : SampleMedia(driver)) {
+    const std::wstring name = media.GetName();
+    if (!list.UpdateMedia(media, name.c_str())) {
+      std::fprintf(stderr, "media name refused: %s\n", tarn::ToUtf8(name).c_str());
+      return 1;
+    }
+  }
+  return list.WriteMediaToDisk() ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -116,6 +190,9 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "could not write %s\n", tarn::ToUtf8(folder + sample.name).c_str());
       ++failures;
     }
+  }
+  for (const wchar_t* driver : {L"Aurora64", L"Hexa6", L"Lumen40"}) {
+    failures += WriteSampleMedia(driver);
   }
   return failures == 0 ? 0 : 1;
 }

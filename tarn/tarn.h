@@ -13,6 +13,7 @@
 #include "tarn/foundation/xml.h"
 #include "tarn/media/print_media.h"
 #include "tarn/media/print_media_list.h"
+#include "tarn/media/template_plot.h"
 #include "tarn/media/template_slots.h"
 #include "tarn/printer/definitions.h"
 #include "tarn/printer/generic_map.h"

@@ -113,6 +113,9 @@ int RunInfo(const Arguments& args) {
   if (file.size() > 4 && EqualsNoCase(FromUtf8(file.substr(file.size() - 4)), L".pdx")) {
     return ShowPrinterDefinition(file);
   }
+  if (IsMediaFile(file)) {
+    return ShowMediaFile(file);
+  }
   return ShowPrintMode(file);
 }
 

@@ -26,6 +26,11 @@ int ShowPrinterDefinition(const std::string& file);
 void ShowPrintModePrinter(const std::string& file, const std::wstring& driver);
 int RunList(const Arguments& args);
 int RunCurves(const Arguments& args);
+int RunMedia(const Arguments& args);
+
+// tarn info for a media definition (.qmd); in cmd_media.cpp.
+bool IsMediaFile(const std::string& file);
+int ShowMediaFile(const std::string& file);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);

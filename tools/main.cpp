@@ -14,10 +14,15 @@ namespace {
 
 // Every subcommand, in the order --help lists them.
 const Command kCommands[] = {
-    {"info", "info FILE", "show a print mode (.pmx): header, metadata and sections", RunInfo},
+    {"info", "info FILE", "show a print mode (.pmx), printer definition (.pdx) or media definition (.qmd)",
+     RunInfo},
     {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
     {"curves", "curves FILE [-o OUT.svg]", "draw the transfer and separation curves of a print mode as SVG",
      RunCurves},
+    {"media", "media RIPFOLDER PRINTER", "list the media of a printer: files, its page sizes and the defaults",
+     RunMedia},
+    {"media", "media FILE.qmd [-o OUT.svg]", "draw a media layout to scale, slots numbered in fill order",
+     RunMedia},
 };
 
 void PrintHelp() {

@@ -313,6 +313,21 @@ bool CPrintMedia::HasMargins() const {
          !RoundsToZero(m_bMargin);
 }
 
+const wchar_t* CPrintMedia::KindName(std::int32_t type) {
+  switch (type) {
+    case MEDIA_ROLL:
+      return L"roll";
+    case MEDIA_SHEET:
+      return L"sheet";
+    case MEDIA_TEMPLATE:
+      return L"template";
+    case MEDIA_FIXED:
+      return L"fixed size";
+    default:
+      return L"unknown kind";
+  }
+}
+
 bool CPrintMedia::IsDefaultTemplate() const {
   if (!IsTemplate() || !m_name.starts_with(kDefaultTemplateName)) {
     return false;

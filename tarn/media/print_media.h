@@ -218,6 +218,8 @@ class TARN_API CPrintMedia {
   bool IsSheet() const { return m_type == MEDIA_SHEET; }
   bool IsTemplate() const { return m_type == MEDIA_TEMPLATE; }
   bool IsFixed() const { return m_type == MEDIA_FIXED; }
+  // "roll", "sheet", "template", "fixed size", or "unknown kind".
+  static const wchar_t* KindName(std::int32_t type);
   // A template named "Default_Template", or that followed by "_" and a suffix.
   bool IsDefaultTemplate() const;
 

@@ -101,5 +101,47 @@ TEST_F(ToolTest, BadInputGivesOneLineAndAFailingStatus) {
   }
 }
 
+TEST_F(ToolTest, ShowsAndDrawsTheSampleMedia) {
+  const ToolRun list = Tool({"media", kExamples.string(), "Hexa6"});
+  ASSERT_EQ(list.status, 0) << list.err;
+  for (const char* expected :
+       {"Labels_3x2                       template   210.0 x 297.0 mm (8.27 x 11.69 in)         6\n",
+        "Proof_A3_Plus                    sheet      329.0 x 483.0 mm (12.95 x 19.02 in)        0\n",
+        "Default_Template                 template   210.0 x 297.0 mm (8.27 x 11.69 in)         1\n"}) {
+    EXPECT_NE(list.out.find(expected), std::string::npos) << expected << "\nin\n" << list.out;
+  }
+
+  const fs::path labels = kExamples / "System/pmodes/Hexa6/Media/Labels_3x2.qmd";
+  const ToolRun info = Tool({"info", labels.string()});
+  ASSERT_EQ(info.status, 0) << info.err;
+  EXPECT_NE(info.out.find("    2  image 3    at 75.0, 20.0 mm, 60.0 x 80.0 mm\n"), std::string::npos) << info.out;
+
+  test::TempFolder temp;
+  const fs::path svg = temp.path() / "labels.svg";
+  const ToolRun draw = Tool({"media", labels.string(), "-o", svg.string()});
+  ASSERT_EQ(draw.status, 0) << draw.err;
+  EXPECT_NE(test::ReadBytes(svg).find("<title>slot 6, image 6"), std::string::npos);
+}
+
+TEST_F(ToolTest, MediaFailuresGiveOneLine) {
+  test::TempFolder temp;
+  test::WriteBytes(temp.path() / "wrong.qmd", "<PMH/>");
+  const std::vector<std::vector<std::string>> cases = {
+      {"media", (temp.path() / "wrong.qmd").string()},
+      {"media", (temp.path() / "missing.qmd").string(), "-o", (temp.path() / "out.svg").string()},
+      {"info", (temp.path() / "wrong.qmd").string()},
+      {"media", kExamples.string(), "NoSuchPrinter"},
+      {"media", (temp.path() / "no such folder").string(), "Hexa6"},
+  };
+  for (const std::vector<std::string>& args : cases) {
+    const ToolRun run = Tool(args);
+    EXPECT_EQ(run.status, 1) << args[1];
+    EXPECT_TRUE(run.out.empty()) << args[1];
+    EXPECT_EQ(run.err.rfind("tarn: ", 0), 0u) << run.err;
+    EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << "one line: " << run.err;
+  }
+  EXPECT_EQ(Tool({"media", kExamples.string()}).status, 2);
+}
+
 }  // namespace
 }  // namespace tarn
