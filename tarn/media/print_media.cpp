@@ -12,18 +12,14 @@
 namespace tarn {
 namespace {
 
-constexpr const wchar_t* kDefaultRollName = L"Default_Roll";
-constexpr const wchar_t* kDefaultSheetName = L"Default_Sheet";
-constexpr std::wstring_view kDefaultTemplateName = L"Default_Template";
 
 // Sizes are compared at a thousandth of a point.
 bool RoundsToZero(double value) {
   return std::round(value * 1000.0) == 0.0;
 }
 
-// The characters a media name may not hold: they would break the file name
-// or the PostScript that names the media.
-constexpr std::wstring_view kForbidden = L"/\\:*?\"<>|.{}[]";
+constexpr std::wstring_view kForbidden = CPrintMedia::kForbiddenNameChars;
+constexpr std::wstring_view kDefaultTemplate = CPrintMedia::kDefaultTemplateName;
 
 }  // namespace
 
@@ -265,7 +261,7 @@ void CPrintMedia::CreateDefaultSheet() {
 void CPrintMedia::CreateDefaultTemplate() {
   SetDefaults();
   m_type = MEDIA_TEMPLATE;
-  m_name = std::wstring(kDefaultTemplateName);
+  m_name = kDefaultTemplateName;
   m_width = kA4Width;
   m_height = kA4Height;
   _SlotData slot;
@@ -329,10 +325,10 @@ const wchar_t* CPrintMedia::KindName(std::int32_t type) {
 }
 
 bool CPrintMedia::IsDefaultTemplate() const {
-  if (!IsTemplate() || !m_name.starts_with(kDefaultTemplateName)) {
+  if (!IsTemplate() || !m_name.starts_with(kDefaultTemplate)) {
     return false;
   }
-  return m_name.size() == kDefaultTemplateName.size() || m_name[kDefaultTemplateName.size()] == L'_';
+  return m_name.size() == kDefaultTemplate.size() || m_name[kDefaultTemplate.size()] == L'_';
 }
 
 std::wstring CPrintMedia::GetPSName() const {
@@ -424,16 +420,13 @@ bool CPrintMedia::WriteXML(pugi::xml_node parent) const {
   return true;
 }
 
+bool CPrintMedia::IsFileNameChar(wchar_t c) {
+  const bool control = (c >= 0 && c < 0x20) || c == 0x7F;
+  return !control && kForbidden.find(c) == std::wstring_view::npos;
+}
+
 bool CPrintMedia::IsFileNameSafe(const std::wstring& name) {
-  if (name.empty()) {
-    return false;
-  }
-  for (const wchar_t c : name) {
-    if (kForbidden.find(c) != std::wstring_view::npos || (c >= 0 && c < 0x20) || c == 0x7F) {
-      return false;
-    }
-  }
-  return true;
+  return !name.empty() && std::all_of(name.begin(), name.end(), IsFileNameChar);
 }
 
 std::wstring CPrintMedia::MakeFilePath(const std::wstring& folder, const std::wstring& name) {

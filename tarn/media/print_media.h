@@ -134,6 +134,13 @@ class TARN_API CPrintMedia {
   // 210 mm and 297 mm in points.
   static constexpr double kA4Width = 595.275590551181;
   static constexpr double kA4Height = 841.8897637795275;
+  // The names of the default media.
+  static constexpr const wchar_t* kDefaultRollName = L"Default_Roll";
+  static constexpr const wchar_t* kDefaultSheetName = L"Default_Sheet";
+  static constexpr const wchar_t* kDefaultTemplateName = L"Default_Template";
+  // The fourteen characters a media name may not hold: a name is a file name,
+  // and these would break it (or the PostScript that names the media).
+  static constexpr const wchar_t* kForbiddenNameChars = L"/\\:*?\"<>|.{}[]";
   // The notice SetDefaults puts in "Copyright".
   static constexpr const wchar_t* kDefaultCopyright =
       L"Media definition of the tarn RIP data model. It may be copied and changed freely.";
@@ -208,6 +215,8 @@ class TARN_API CPrintMedia {
   // True when name can be a media file's name: not empty and free of the
   // fourteen characters media names may not hold and of control characters.
   static bool IsFileNameSafe(const std::wstring& name);
+  // False for the fourteen forbidden characters and for control characters.
+  static bool IsFileNameChar(wchar_t c);
   // folder + name + ".qmd", with a separator after the folder when it has none.
   static std::wstring MakeFilePath(const std::wstring& folder, const std::wstring& name);
 

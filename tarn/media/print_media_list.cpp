@@ -15,8 +15,7 @@ namespace {
 
 constexpr const wchar_t* kCaption = L"Media";
 constexpr std::wstring_view kMediaFolder = L"Media\\";
-// The fourteen characters a media name may not hold.
-constexpr std::wstring_view kForbidden = L"/\\:*?\"<>|.{}[]";
+constexpr std::wstring_view kForbidden = CPrintMedia::kForbiddenNameChars;
 
 // Names are looked up with spaces as underscores.
 std::wstring Normalise(std::wstring_view name) {
@@ -97,18 +96,16 @@ bool CPrintMediaList::LoadMedia(CPrinterData* printer, ProgressCallback progress
     m_mediaPath = driver.empty() ? GetTarnRipFolder() + std::wstring(kMediaFolder)
                                  : GetPrintModesFolder() + driver + L"\\" + std::wstring(kMediaFolder);
   }
-  int files = 0;
-  for (const FolderEntry& entry : FindFiles(m_mediaPath + L"*.qmd")) {
-    files += entry.is_folder ? 0 : 1;
-  }
-  const int total = files + 3;
+  std::vector<FolderEntry> files = FindFiles(m_mediaPath + L"*.qmd");
+  std::erase_if(files, [](const FolderEntry& entry) { return entry.is_folder; });
+  const int total = static_cast<int>(files.size()) + 3;
   if (progress) {
     progress(0, total, context, nullptr);
   }
   // Files first: a medium the user saved wins over a sheet of the same name
   // that the printer or the installed printer would give.
-  SearchMedia(progress, context, total);
-  int done = files;
+  SearchMedia(files, progress, context, total);
+  int done = static_cast<int>(files.size());
   AddPDXSheets();
   if (progress) {
     progress(++done, total, context, nullptr);
@@ -126,13 +123,11 @@ bool CPrintMediaList::LoadMedia(CPrinterData* printer, ProgressCallback progress
   return !m_media.empty();
 }
 
-int CPrintMediaList::SearchMedia(ProgressCallback progress, void* context, int total) {
+int CPrintMediaList::SearchMedia(const std::vector<FolderEntry>& files, ProgressCallback progress, void* context,
+                                 int total) {
   int done = 0;
   int added = 0;
-  for (const FolderEntry& entry : FindFiles(m_mediaPath + L"*.qmd")) {
-    if (entry.is_folder) {
-      continue;
-    }
+  for (const FolderEntry& entry : files) {
     const std::wstring path = m_mediaPath + entry.name;
     auto media = std::make_unique<CPrintMedia>();
     std::wstring error;
@@ -214,8 +209,7 @@ void CPrintMediaList::AddGDISheets(CPrinterData* printer) {
 
 void CPrintMediaList::SanitizeGDISheetName(std::wstring& name) const {
   for (wchar_t& c : name) {
-    const bool forbidden = c != L'.' && kForbidden.find(c) != std::wstring_view::npos;
-    if (forbidden || (c >= 0 && c < 0x20) || c == 0x7F) {
+    if (c != L'.' && !CPrintMedia::IsFileNameChar(c)) {
       c = L' ';
     }
   }
@@ -270,12 +264,12 @@ std::unique_ptr<CPrintMedia> CPrintMediaList::CreateDefaultTemplate_BlankNoSlots
 }
 
 CPrintMedia* CPrintMediaList::GetDefaultRoll() {
-  CPrintMedia* roll = GetMedia(kDefaultRollName);
+  CPrintMedia* roll = GetMedia(CPrintMedia::kDefaultRollName);
   return roll ? roll : CreateDefaultRoll();
 }
 
 CPrintMedia* CPrintMediaList::GetDefaultSheet() {
-  CPrintMedia* sheet = GetMedia(kDefaultSheetName);
+  CPrintMedia* sheet = GetMedia(CPrintMedia::kDefaultSheetName);
   return sheet ? sheet : CreateDefaultSheet();
 }
 
@@ -360,7 +354,7 @@ std::wstring CPrintMediaList::MakeNameSafe(const std::wstring& name) {
   std::wstring safe = name;
   Trim(safe);
   for (wchar_t& c : safe) {
-    if (c == L' ' || kForbidden.find(c) != std::wstring_view::npos || (c >= 0 && c < 0x20) || c == 0x7F) {
+    if (c == L' ' || !CPrintMedia::IsFileNameChar(c)) {
       c = L'_';
     }
   }

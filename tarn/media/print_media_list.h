@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "tarn/foundation/export.h"
+#include "tarn/foundation/platform.h"
 #include "tarn/media/print_media.h"
 
 namespace tarn {
@@ -48,10 +49,6 @@ class TARN_API CPrintMediaList {
   // found, then one each for the printer's page sizes, the installed printer's
   // paper and the defaults.
   using ProgressCallback = void (*)(int done, int total, void* context, void* media);
-
-  static constexpr const wchar_t* kDefaultRollName = L"Default_Roll";
-  static constexpr const wchar_t* kDefaultSheetName = L"Default_Sheet";
-  static constexpr const wchar_t* kDefaultTemplateName = L"Default_Template";
 
   CPrintMediaList() = default;
   virtual ~CPrintMediaList() = default;
@@ -161,9 +158,9 @@ class TARN_API CPrintMediaList {
   // A template named "Default_Template", A4, with no slots: the blank page a
   // custom template starts from. Not added to the list.
   std::unique_ptr<CPrintMedia> CreateDefaultTemplate_BlankNoSlots() const;
-  // Reads the media files ("*.qmd") of the media folder in name order; returns
-  // how many were added.
-  int SearchMedia(ProgressCallback progress, void* context, int total);
+  // Reads the media files of the media folder given (the "*.qmd" files, in
+  // name order); returns how many were added.
+  int SearchMedia(const std::vector<FolderEntry>& files, ProgressCallback progress, void* context, int total);
 
  private:
   // Media names with every character a name may not hold turned into "_".
