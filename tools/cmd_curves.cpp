@@ -48,15 +48,7 @@ int RunCurves(const Arguments& args) {
     return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
   }
   const std::string svg = PlotCurvesSVG(mode);
-  if (output.empty()) {
-    std::fwrite(svg.data(), 1, svg.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!WriteFileAtomically(FromUtf8(output), svg, &error)) {
-    return Fail("cannot write " + output + ": " + ToUtf8(error));
-  }
-  return kExitOk;
+  return WriteOutput(svg, output);
 }
 
 }  // namespace tarn::tool

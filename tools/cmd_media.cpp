@@ -70,15 +70,7 @@ int DrawMedia(const std::string& input, const std::string& output) {
     return status;
   }
   const std::string svg = PlotMediaSVG(media);
-  if (output.empty()) {
-    std::fwrite(svg.data(), 1, svg.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!WriteFileAtomically(FromUtf8(output), svg, &error)) {
-    return Fail("cannot write " + output + ": " + ToUtf8(error));
-  }
-  return kExitOk;
+  return WriteOutput(svg, output);
 }
 
 void Line(const char* label, const std::string& value) {

@@ -32,6 +32,10 @@ int RunMedia(const Arguments& args);
 bool IsMediaFile(const std::string& file);
 int ShowMediaFile(const std::string& file);
 
+// Writes text to the file output atomically, or to stdout when output is
+// empty; a failure is reported as Fail does.
+int WriteOutput(const std::string& text, const std::string& output);
+
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 

@@ -40,6 +40,18 @@ int Fail(const std::string& message) {
   return kExitFailure;
 }
 
+int WriteOutput(const std::string& text, const std::string& output) {
+  if (output.empty()) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return kExitOk;
+  }
+  std::wstring error;
+  if (!tarn::WriteFileAtomically(tarn::FromUtf8(output), text, &error)) {
+    return Fail("cannot write " + output + ": " + tarn::ToUtf8(error));
+  }
+  return kExitOk;
+}
+
 }  // namespace tarn::tool
 
 int main(int argc, char** argv) {
