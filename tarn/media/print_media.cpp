@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/xml.h"
 
@@ -25,58 +26,31 @@ constexpr std::wstring_view kDefaultTemplate = CPrintMedia::kDefaultTemplateName
 
 // --- the quick-set -------------------------------------------------------
 
-struct CQTAData::Field {
-  const char* tag;
-  double CQTAData::*real = nullptr;
-  std::int32_t CQTAData::*integer = nullptr;
+struct CQTAData::Fields {
+  using R = CQTAData;
+  using F = internal::Field<R>;
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(R::kElementName, {
+                                                                    F::Real("HSpace", &R::m_hSpace),
+                                                                    F::Real("VSpace", &R::m_vSpace),
+                                                                    F::Real("HOffset", &R::m_hOffset),
+                                                                    F::Real("VOffset", &R::m_vOffset),
+                                                                    F::Int("HNumber", &R::m_hNumber),
+                                                                    F::Int("VNumber", &R::m_vNumber),
+                                                                    F::Real("SlotWidth", &R::m_slotWidth),
+                                                                    F::Real("SlotHeight", &R::m_slotHeight),
+                                                                    F::Int("FillOrder", &R::m_fillOrder),
+                                                                });
+    return table;
+  }
 };
 
-std::span<const CQTAData::Field> CQTAData::Fields() {
-  using Q = CQTAData;
-  static const Field kFields[] = {
-      {.tag = "HSpace", .real = &Q::m_hSpace},
-      {.tag = "VSpace", .real = &Q::m_vSpace},
-      {.tag = "HOffset", .real = &Q::m_hOffset},
-      {.tag = "VOffset", .real = &Q::m_vOffset},
-      {.tag = "HNumber", .integer = &Q::m_hNumber},
-      {.tag = "VNumber", .integer = &Q::m_vNumber},
-      {.tag = "SlotWidth", .real = &Q::m_slotWidth},
-      {.tag = "SlotHeight", .real = &Q::m_slotHeight},
-      {.tag = "FillOrder", .integer = &Q::m_fillOrder},
-  };
-  return kFields;
-}
-
 bool CQTAData::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, kElementName)) {
-    return false;
-  }
-  SetDefaults();
-  for (const pugi::xml_node& child : node.children()) {
-    for (const Field& field : Fields()) {
-      if (!xml::IsNamed(child, field.tag)) {
-        continue;
-      }
-      if (field.real) {
-        this->*field.real = xml::ReadReal(child);
-      } else {
-        this->*field.integer = xml::ReadInt(child);
-      }
-      break;
-    }
-  }
-  return true;
+  return Fields::Table().Read(*this, node);
 }
 
 void CQTAData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kElementName);
-  for (const Field& field : Fields()) {
-    if (field.real) {
-      xml::AppendReal(node, field.tag, this->*field.real);
-    } else {
-      xml::AppendInt(node, field.tag, this->*field.integer);
-    }
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, kElementName));
 }
 
 bool CQTAData::GetSlotData(_SlotData* slot, int index, int fillOrder) const {
@@ -141,101 +115,74 @@ std::unique_ptr<CPrintMedia> CQTAData::GenerateTemplate(int fillOrder) const {
 
 // --- the media record ----------------------------------------------------
 
-struct CPrintMedia::Field {
-  const char* tag;
-  std::wstring CPrintMedia::*text = nullptr;
-  std::int32_t CPrintMedia::*integer = nullptr;
-  double CPrintMedia::*real = nullptr;
-  bool CPrintMedia::*flag = nullptr;
-  std::int16_t CPrintMedia::*shortInteger = nullptr;
-  // What is not a plain value is read and written by hand.
-  void (*read)(CPrintMedia&, const pugi::xml_node&) = nullptr;
-  void (*write)(const CPrintMedia&, pugi::xml_node) = nullptr;
-  // Written only when this says so; null writes always.
-  bool (*when)(const CPrintMedia&) = nullptr;
+struct CPrintMedia::Fields {
+  using R = CPrintMedia;
+  using F = internal::Field<R>;
+  using internal::Write::kIfNotEmpty;
+
+  static bool Locked(const R& r) { return r.m_locked; }
+  // A template carries its page set-up whether locked or not.
+  static bool LockedOrTemplate(const R& r) { return r.m_locked || r.IsTemplate(); }
+  static bool Template(const R& r) { return r.IsTemplate(); }
+  static bool HasPaperSize(const R& r) { return r.m_paperSizeCode != 0; }
+
+  // Reading the quick-set puts it in use; it is written only while in use.
+  static void ReadQuickSet(R& r, const pugi::xml_node& node, internal::ReadContext& /*context*/) {
+    r.m_quickSet.ReadXML(node);
+    r.m_quickSetInUse = true;
+  }
+  static void WriteQuickSet(const R& r, pugi::xml_node& node) {
+    if (r.IsTemplate() && r.m_quickSetInUse) {
+      r.m_quickSet.WriteXML(node);
+    }
+  }
+  static void ReadSlots(R& r, const pugi::xml_node& node, internal::ReadContext& /*context*/) {
+    r.ReadSlots(node);
+  }
+  static void WriteSlots(const R& r, pugi::xml_node& node) {
+    if (r.IsTemplate()) {
+      r.WriteSlots(node);
+    }
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        R::kElementName,
+        {
+            F::Text("Name", &R::m_name),
+            F::Text("Version", &R::m_version),
+            F::Text("Copyright", &R::m_copyright),
+            F::Int("Type", &R::m_type),
+            F::Real("Width", &R::m_width),
+            F::Real("Height", &R::m_height),
+            F::Real("LMargin", &R::m_lMargin),
+            F::Real("RMargin", &R::m_rMargin),
+            F::Real("TMargin", &R::m_tMargin),
+            F::Real("BMargin", &R::m_bMargin),
+            F::Real("XSpacing", &R::m_xSpacing),
+            F::Real("YSpacing", &R::m_ySpacing),
+            F::Bool("Locked", &R::m_locked),
+            F::Text("PS", &R::m_ps).Writes(kIfNotEmpty).When(&LockedOrTemplate),
+            F::Text("PSImageableArea", &R::m_psImageableArea).Writes(kIfNotEmpty).When(&Locked),
+            F::Text("PSDimension", &R::m_psDimension).Writes(kIfNotEmpty).When(&Locked),
+            F::Text("TEMPLATE_BASE", &R::m_templateBase).When(&Template),
+            F::Custom(CQTAData::kElementName, &ReadQuickSet, &WriteQuickSet),
+            F::Custom(CTemplateSlots::kElementName, &ReadSlots, &WriteSlots),
+            F::Bool("BookTemplate", &R::m_bookTemplate).When(&Template),
+            F::Bool("CreepContent", &R::m_creepContent).When(&Template),
+            F::Int16("PaperSizeName", &R::m_paperSizeCode).When(&HasPaperSize),
+        });
+    return table;
+  }
 };
 
-std::span<const CPrintMedia::Field> CPrintMedia::Fields() {
-  using M = CPrintMedia;
-  static constexpr auto isTemplate = [](const M& m) { return m.IsTemplate(); };
-  static const Field kFields[] = {
-      {.tag = "Name", .text = &M::m_name},
-      {.tag = "Version", .text = &M::m_version},
-      {.tag = "Copyright", .text = &M::m_copyright},
-      {.tag = "Type", .integer = &M::m_type},
-      {.tag = "Width", .real = &M::m_width},
-      {.tag = "Height", .real = &M::m_height},
-      {.tag = "LMargin", .real = &M::m_lMargin},
-      {.tag = "RMargin", .real = &M::m_rMargin},
-      {.tag = "TMargin", .real = &M::m_tMargin},
-      {.tag = "BMargin", .real = &M::m_bMargin},
-      {.tag = "XSpacing", .real = &M::m_xSpacing},
-      {.tag = "YSpacing", .real = &M::m_ySpacing},
-      {.tag = "Locked", .flag = &M::m_locked},
-      // A template carries its page set-up whether locked or not; other media
-      // only while locked.
-      {.tag = "PS",
-       .text = &M::m_ps,
-       .when = [](const M& m) { return !m.m_ps.empty() && (m.m_locked || m.IsTemplate()); }},
-      {.tag = "PSImageableArea",
-       .text = &M::m_psImageableArea,
-       .when = [](const M& m) { return !m.m_psImageableArea.empty() && m.m_locked; }},
-      {.tag = "PSDimension",
-       .text = &M::m_psDimension,
-       .when = [](const M& m) { return !m.m_psDimension.empty() && m.m_locked; }},
-      {.tag = "TEMPLATE_BASE", .text = &M::m_templateBase, .when = isTemplate},
-      {.tag = CQTAData::kElementName,
-       .read =
-           [](M& m, const pugi::xml_node& node) {
-             m.m_quickSet.ReadXML(node);
-             m.m_quickSetInUse = true;
-           },
-       .write = [](const M& m, pugi::xml_node parent) { m.m_quickSet.WriteXML(parent); },
-       .when = [](const M& m) { return m.IsTemplate() && m.m_quickSetInUse; }},
-      {.tag = CTemplateSlots::kElementName,
-       .read = [](M& m, const pugi::xml_node& node) { m.ReadSlots(node); },
-       .write = [](const M& m, pugi::xml_node parent) { m.WriteSlots(parent); },
-       .when = isTemplate},
-      {.tag = "BookTemplate", .flag = &M::m_bookTemplate, .when = isTemplate},
-      {.tag = "CreepContent", .flag = &M::m_creepContent, .when = isTemplate},
-      {.tag = "PaperSizeName",
-       .shortInteger = &M::m_paperSizeCode,
-       .when = [](const M& m) { return m.m_paperSizeCode != 0; }},
-  };
-  return kFields;
-}
-
 bool CPrintMedia::operator==(const CPrintMedia& other) const {
-  return m_name == other.m_name && m_version == other.m_version && m_copyright == other.m_copyright &&
-         m_type == other.m_type && m_width == other.m_width && m_height == other.m_height &&
-         m_lMargin == other.m_lMargin && m_rMargin == other.m_rMargin && m_tMargin == other.m_tMargin &&
-         m_bMargin == other.m_bMargin && m_xSpacing == other.m_xSpacing && m_ySpacing == other.m_ySpacing &&
-         m_locked == other.m_locked && m_ps == other.m_ps && m_psImageableArea == other.m_psImageableArea &&
-         m_psDimension == other.m_psDimension && m_templateBase == other.m_templateBase &&
-         m_quickSet == other.m_quickSet && m_quickSetInUse == other.m_quickSetInUse &&
-         m_slots == other.m_slots && m_bookTemplate == other.m_bookTemplate &&
-         m_creepContent == other.m_creepContent && m_paperSizeCode == other.m_paperSizeCode;
+  return Fields::Table().Equal(*this, other) && m_quickSet == other.m_quickSet &&
+         m_quickSetInUse == other.m_quickSetInUse && m_slots == other.m_slots;
 }
 
 void CPrintMedia::SetDefaults() {
-  for (const Field& field : Fields()) {
-    if (field.text) {
-      (this->*field.text).clear();
-    } else if (field.integer) {
-      this->*field.integer = 0;
-    } else if (field.real) {
-      this->*field.real = 0.0;
-    } else if (field.flag) {
-      this->*field.flag = false;
-    } else if (field.shortInteger) {
-      this->*field.shortInteger = 0;
-    }
-  }
-  m_copyright = kDefaultCopyright;
-  m_quickSet.SetDefaults();
-  m_quickSetInUse = false;
-  m_slots.clear();
-  m_path.clear();
+  *this = CPrintMedia();
 }
 
 void CPrintMedia::CreateDefaultRoll(double widthPoints) {
@@ -363,30 +310,8 @@ std::wstring CPrintMedia::MakePSDimension() const {
 }
 
 bool CPrintMedia::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, kElementName)) {
+  if (!Fields::Table().Read(*this, node)) {
     return false;
-  }
-  SetDefaults();
-  for (const pugi::xml_node& child : node.children()) {
-    for (const Field& field : Fields()) {
-      if (!xml::IsNamed(child, field.tag)) {
-        continue;
-      }
-      if (field.text) {
-        this->*field.text = xml::ReadText(child);
-      } else if (field.integer) {
-        this->*field.integer = xml::ReadInt(child);
-      } else if (field.real) {
-        this->*field.real = xml::ReadReal(child);
-      } else if (field.flag) {
-        this->*field.flag = xml::ReadBool(child);
-      } else if (field.shortInteger) {
-        this->*field.shortInteger = static_cast<std::int16_t>(xml::ReadInt(child));
-      } else if (field.read) {
-        field.read(*this, child);
-      }
-      break;
-    }
   }
   // A page set-up text makes a medium its maker's: media with one have always
   // been locked on reading, whatever "Locked" said. Templates keep theirs
@@ -398,25 +323,7 @@ bool CPrintMedia::ReadXML(const pugi::xml_node& node) {
 }
 
 bool CPrintMedia::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kElementName);
-  for (const Field& field : Fields()) {
-    if (field.when && !field.when(*this)) {
-      continue;
-    }
-    if (field.text) {
-      xml::AppendText(node, field.tag, this->*field.text);
-    } else if (field.integer) {
-      xml::AppendInt(node, field.tag, this->*field.integer);
-    } else if (field.real) {
-      xml::AppendReal(node, field.tag, this->*field.real);
-    } else if (field.flag) {
-      xml::AppendBool(node, field.tag, this->*field.flag);
-    } else if (field.shortInteger) {
-      xml::AppendInt(node, field.tag, this->*field.shortInteger);
-    } else if (field.write) {
-      field.write(*this, node);
-    }
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, kElementName));
   return true;
 }
 

@@ -30,7 +30,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 
 #include "tarn/foundation/export.h"
@@ -109,9 +108,7 @@ class TARN_API CQTAData {
   void SetFillOrder(int fillOrder) { m_fillOrder = fillOrder; }
 
  private:
-  // One value of the quick-set: its tag and member, in the order written.
-  struct Field;
-  static std::span<const Field> Fields();
+  struct Fields;  // the field table, in the source file
 
   double m_hSpace = 0.0;
   double m_vSpace = 0.0;
@@ -147,7 +144,7 @@ class TARN_API CPrintMedia {
 
   enum MEDIA_TYPE : std::int32_t { MEDIA_ROLL = 0, MEDIA_SHEET = 1, MEDIA_TEMPLATE = 2, MEDIA_FIXED = 3 };
 
-  CPrintMedia() { SetDefaults(); }
+  CPrintMedia() = default;
   virtual ~CPrintMedia() = default;
   CPrintMedia(const CPrintMedia&) = default;
   CPrintMedia& operator=(const CPrintMedia&) = default;
@@ -317,15 +314,13 @@ class TARN_API CPrintMedia {
   void SetPaperSizeCode(std::int16_t code) { m_paperSizeCode = code; }
 
  private:
-  // One flat field of the media file: its tag, member and when it is written.
-  struct Field;
-  static std::span<const Field> Fields();
+  struct Fields;  // the field table, in the source file
   // The list keeps track of the file a media came from when it replaces it.
   friend class CPrintMediaList;
 
   std::wstring m_name;
   std::wstring m_version;
-  std::wstring m_copyright;
+  std::wstring m_copyright = kDefaultCopyright;
   std::int32_t m_type = MEDIA_ROLL;
   double m_width = 0.0;
   double m_height = 0.0;

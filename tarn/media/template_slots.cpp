@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/sections/internal/number_list.h"
 
@@ -13,41 +14,56 @@ constexpr const char* kSlot = "SLOT";
 // The rectangle as the text of "SLOT": three decimals, commas, no spaces.
 constexpr std::wstring_view kRectFormat = L"%.3f,%.3f,%.3f,%.3f";
 
-// The attributes of "SLOT" in the order they are written. Flags are written 1
-// when the setting equals 1 and 0 otherwise; a setting of 2 reads back as 0.
-struct SlotAttribute {
-  const char* name;
-  int _SlotData::*member;
-  bool flag;
-};
-constexpr SlotAttribute kSlotAttributes[] = {
-    {"item", &_SlotData::item, false},
-    {"scaling", &_SlotData::scaling, false},
-    {"rotate_enum", &_SlotData::rotate, false},
-    {"anchor", &_SlotData::anchor, false},
-    {"Mirror", &_SlotData::mirror, true},
-    {"DoCustomPattern", &_SlotData::doCustomPattern, true},
-    {"Scaling_Vector", &_SlotData::scalingVector, false},
-    {"Rotate_Vector", &_SlotData::rotateVector, false},
-    {"Mirror_Vector", &_SlotData::mirrorVector, false},
-    {"Pattern", &_SlotData::pattern, false},
-    {"DoFixedGraphics", &_SlotData::doFixedGraphics, false},
-    {"FixedGraphics", &_SlotData::fixedGraphics, false},
-    {"scaling_Graphics", &_SlotData::scalingGraphics, false},
-    {"rotate_Graphics", &_SlotData::rotateGraphics, false},
-    {"anchor_Graphics", &_SlotData::anchorGraphics, false},
-    {"arrange_Graphics", &_SlotData::arrangeGraphics, false},
-    {"CreepAmount_X", &_SlotData::creepAmountX, false},
-    {"CreepAmount_Y", &_SlotData::creepAmountY, false},
-};
-
 }  // namespace
 
+// The settings are the attributes of "SLOT", in the order they are written.
+struct _SlotData::Fields {
+  using R = _SlotData;
+  using F = internal::Field<R>;
+
+  // "Mirror" and "DoCustomPattern" are flags in the file: 1 when the setting
+  // is 1 and 0 for anything else, so a setting of 2 reads back as 0. Each is a
+  // writer at its place and a row that reads it.
+  static void WriteMirror(const R& r, pugi::xml_node& node) {
+    xml::SetAttributeInt(node, "Mirror", r.mirror == 1 ? 1 : 0);
+  }
+  static void WriteDoCustomPattern(const R& r, pugi::xml_node& node) {
+    xml::SetAttributeInt(node, "DoCustomPattern", r.doCustomPattern == 1 ? 1 : 0);
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        kSlot, {
+                   F::Int("item", &R::item).Attribute(),
+                   F::Int("scaling", &R::scaling).Attribute(),
+                   F::Int("rotate_enum", &R::rotate).Attribute(),
+                   F::Int("anchor", &R::anchor).Attribute(),
+                   F::Writer(&WriteMirror),
+                   F::Int("Mirror", &R::mirror).Attribute().Writes(internal::Write::kNever),
+                   F::Writer(&WriteDoCustomPattern),
+                   F::Int("DoCustomPattern", &R::doCustomPattern).Attribute().Writes(internal::Write::kNever),
+                   F::Int("Scaling_Vector", &R::scalingVector).Attribute(),
+                   F::Int("Rotate_Vector", &R::rotateVector).Attribute(),
+                   F::Int("Mirror_Vector", &R::mirrorVector).Attribute(),
+                   F::Int("Pattern", &R::pattern).Attribute(),
+                   F::Int("DoFixedGraphics", &R::doFixedGraphics).Attribute(),
+                   F::Int("FixedGraphics", &R::fixedGraphics).Attribute(),
+                   F::Int("scaling_Graphics", &R::scalingGraphics).Attribute(),
+                   F::Int("rotate_Graphics", &R::rotateGraphics).Attribute(),
+                   F::Int("anchor_Graphics", &R::anchorGraphics).Attribute(),
+                   F::Int("arrange_Graphics", &R::arrangeGraphics).Attribute(),
+                   F::Int("CreepAmount_X", &R::creepAmountX).Attribute(),
+                   F::Int("CreepAmount_Y", &R::creepAmountY).Attribute(),
+               });
+    return table;
+  }
+};
+
 bool _SlotData::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, kSlot)) {
+  if (!Fields::Table().Read(*this, node)) {
     return false;
   }
-  SetDefaults();
+  // The rectangle is the element's own text, which no row covers.
   double rect[4] = {};
   if (internal::ScanRealList(xml::ReadText(node), rect)) {
     x = rect[0];
@@ -55,18 +71,12 @@ bool _SlotData::ReadXML(const pugi::xml_node& node) {
     width = rect[2];
     height = rect[3];
   }
-  for (const SlotAttribute& attribute : kSlotAttributes) {
-    this->*attribute.member = xml::ReadAttributeInt(node, attribute.name);
-  }
   return true;
 }
 
 void _SlotData::WriteXML(pugi::xml_node parent) const {
   pugi::xml_node node = xml::AppendText(parent, kSlot, Format(kRectFormat, x, y, width, height));
-  for (const SlotAttribute& attribute : kSlotAttributes) {
-    const int value = this->*attribute.member;
-    xml::SetAttributeInt(node, attribute.name, attribute.flag ? (value == 1 ? 1 : 0) : value);
-  }
+  Fields::Table().Write(*this, node);
 }
 
 CTemplateSlots::CTemplateSlots(const CTemplateSlots& other) {

@@ -15,6 +15,7 @@
 #include <pugixml.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <memory>
 
@@ -54,24 +55,27 @@ struct TARN_API _SlotData {
   double height = 0.0;
 
   // The placement settings, in the order of their attributes.
-  int item = 0;
-  int scaling = 0;
-  int rotate = 0;  // "rotate_enum"
-  int anchor = 0;
-  int mirror = 0;             // written as a flag: 1 only when it equals 1
-  int doCustomPattern = 0;    // written as a flag: 1 only when it equals 1
-  int scalingVector = 0;
-  int rotateVector = 0;
-  int mirrorVector = 0;
-  int pattern = 0;
-  int doFixedGraphics = 0;
-  int fixedGraphics = 0;
-  int scalingGraphics = 0;
-  int rotateGraphics = 0;
-  int anchorGraphics = 0;
-  int arrangeGraphics = 0;
-  int creepAmountX = 0;
-  int creepAmountY = 0;
+  std::int32_t item = 0;
+  std::int32_t scaling = 0;
+  std::int32_t rotate = 0;  // "rotate_enum"
+  std::int32_t anchor = 0;
+  std::int32_t mirror = 0;             // written as a flag: 1 only when it equals 1
+  std::int32_t doCustomPattern = 0;    // written as a flag: 1 only when it equals 1
+  std::int32_t scalingVector = 0;
+  std::int32_t rotateVector = 0;
+  std::int32_t mirrorVector = 0;
+  std::int32_t pattern = 0;
+  std::int32_t doFixedGraphics = 0;
+  std::int32_t fixedGraphics = 0;
+  std::int32_t scalingGraphics = 0;
+  std::int32_t rotateGraphics = 0;
+  std::int32_t anchorGraphics = 0;
+  std::int32_t arrangeGraphics = 0;
+  std::int32_t creepAmountX = 0;
+  std::int32_t creepAmountY = 0;
+
+ private:
+  struct Fields;  // the field table, in the source file
 };
 
 // The slots of a template, in slot order. Owns them; copies are deep.

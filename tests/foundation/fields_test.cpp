@@ -286,5 +286,40 @@ TEST(FieldTables, TagIndexFindsEveryNameAndNothingElse) {
   EXPECT_EQ(internal::TagIndex().Find("TAG1"), internal::TagIndex::kNone);
 }
 
+// A condition on other members joins the row's own write policy.
+TEST(FieldTables, WhenAddsAConditionOnOtherMembers) {
+  static const FieldTable<Sample> table(
+      "REC", {
+                 F::Text("NOTE", &Sample::note).Writes(Write::kIfNotEmpty).When([](const Sample& s) {
+                   return s.locked;
+                 }),
+                 F::Int("COUNT", &Sample::count).When([](const Sample& s) { return s.count != 0; }),
+             });
+  const auto written = [](const Sample& s) {
+    pugi::xml_document document;
+    table.Write(s, document.append_child("REC"));
+    std::string names;
+    for (const pugi::xml_node& child : document.first_child().children()) {
+      names += std::string(child.name()) + " ";
+    }
+    return names;
+  };
+  Sample s;
+  s.note = L"n";
+  EXPECT_EQ(written(s), "COUNT ");
+  s.locked = true;
+  s.count = 0;
+  EXPECT_EQ(written(s), "NOTE ");
+  s.note.clear();
+  EXPECT_EQ(written(s), "");
+  // Reading is not conditional.
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_string("<REC><NOTE>x</NOTE><COUNT>0</COUNT></REC>"));
+  Sample read;
+  ASSERT_TRUE(table.Read(read, document.first_child()));
+  EXPECT_EQ(read.note, L"x");
+  EXPECT_EQ(read.count, 0);
+}
+
 }  // namespace
 }  // namespace tarn

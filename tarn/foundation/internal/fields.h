@@ -100,6 +100,7 @@ template <class R>
 struct Field {
   using ReadHook = void (*)(R&, const pugi::xml_node&, ReadContext&);
   using WriteHook = void (*)(const R&, pugi::xml_node&);
+  using WhenHook = bool (*)(const R&);
 
   const char* name = nullptr;   // tag or attribute name
   const char* group = nullptr;  // the enclosing element of a kGroupChild
@@ -120,6 +121,7 @@ struct Field {
   } member{};
   ReadHook read_hook = nullptr;
   WriteHook write_hook = nullptr;
+  WhenHook when = nullptr;  // a further condition on other members for writing
 
   // --- row builders ---------------------------------------------------------
   static Field Text(const char* tag, std::wstring R::*m) {
@@ -191,6 +193,13 @@ struct Field {
   Field Writes(Write when) const {
     Field f = *this;
     f.write = when;
+    return f;
+  }
+  // Written only when condition holds as well (and Writes allows it): for a
+  // field whose presence depends on other members ("only for templates").
+  Field When(WhenHook condition) const {
+    Field f = *this;
+    f.when = condition;
     return f;
   }
   Field Reads(Read when) const {
@@ -408,6 +417,9 @@ class FieldTable {
   };
 
   static bool ShouldWrite(const R& record, const Row& row) {
+    if (row.when != nullptr && !row.when(record)) {
+      return false;
+    }
     switch (row.write) {
       case Write::kAlways:
         return true;
