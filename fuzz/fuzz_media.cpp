@@ -24,7 +24,8 @@ std::string Written(const tarn::CPrintMedia& media) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pugi::xml_document document;
-  if (!tarn::xml::LoadDocumentFromBuffer(document, std::string_view(reinterpret_cast<const char*>(data), size),
+  if (!tarn::xml::LoadDocumentFromBuffer(document,
+                                         std::string_view(reinterpret_cast<const char*>(data), size),
                                          tarn::CPrintMedia::kElementName)) {
     return 0;
   }

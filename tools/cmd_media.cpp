@@ -55,7 +55,8 @@ int ListPrinterMedia(const std::string& folder, const std::string& driver) {
   list.Initialize(&printer, nullptr, nullptr);
   std::printf("%-32s %-10s %-42s %s\n", "name", "kind", "size", "slots");
   for (const auto& media : list) {
-    std::printf("%-32s %-10s %-42s %d%s\n", ToUtf8(media->GetName()).c_str(), ToUtf8(CPrintMedia::KindName(media->GetType())).c_str(),
+    std::printf("%-32s %-10s %-42s %d%s\n", ToUtf8(media->GetName()).c_str(),
+                ToUtf8(CPrintMedia::KindName(media->GetType())).c_str(),
                 Size(media->GetWidth(), media->GetHeight()).c_str(), media->SlotCount(),
                 media->IsLocked() ? "  locked" : "");
   }
@@ -103,7 +104,8 @@ int ShowMediaFile(const std::string& file) {
   Line("margins", Format("left %.1f, right %.1f, top %.1f, bottom %.1f mm", media.GetLMargin() / kPointsPerMm,
                          media.GetRMargin() / kPointsPerMm, media.GetTMargin() / kPointsPerMm,
                          media.GetBMargin() / kPointsPerMm));
-  Line("spacing", Format("%.1f x %.1f mm", media.GetXSpacing() / kPointsPerMm, media.GetYSpacing() / kPointsPerMm));
+  Line("spacing",
+       Format("%.1f x %.1f mm", media.GetXSpacing() / kPointsPerMm, media.GetYSpacing() / kPointsPerMm));
   Line("locked", media.IsLocked() ? "yes" : "no");
   Line("page set-up", FirstLine(media.GetPS()));
   Line("imageable area", ToUtf8(media.GetPSImageableArea()));

@@ -19,8 +19,8 @@ const Command kCommands[] = {
     {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
     {"curves", "curves FILE [-o OUT.svg]", "draw the transfer and separation curves of a print mode as SVG",
      RunCurves},
-    {"media", "media RIPFOLDER PRINTER", "list the media of a printer: files, its page sizes and the defaults",
-     RunMedia},
+    {"media", "media RIPFOLDER PRINTER",
+     "list the media of a printer: files, its page sizes and the defaults", RunMedia},
     {"media", "media FILE.qmd [-o OUT.svg]", "draw a media layout to scale, slots numbered in fill order",
      RunMedia},
 };

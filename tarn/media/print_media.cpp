@@ -13,7 +13,6 @@
 namespace tarn {
 namespace {
 
-
 // Sizes are compared at a thousandth of a point.
 bool RoundsToZero(double value) {
   return std::round(value * 1000.0) == 0.0;

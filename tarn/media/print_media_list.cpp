@@ -123,8 +123,8 @@ bool CPrintMediaList::LoadMedia(CPrinterData* printer, ProgressCallback progress
   return !m_media.empty();
 }
 
-int CPrintMediaList::SearchMedia(const std::vector<FolderEntry>& files, ProgressCallback progress, void* context,
-                                 int total) {
+int CPrintMediaList::SearchMedia(const std::vector<FolderEntry>& files, ProgressCallback progress,
+                                 void* context, int total) {
   int done = 0;
   int added = 0;
   for (const FolderEntry& entry : files) {
@@ -168,8 +168,8 @@ void CPrintMediaList::AddPDXSheets() {
     sheet->SetName(MakeNameSafe(page->GetName()));
     // Page sizes are inches; the sheet is the printable size and its margins.
     sheet->SetSize(page->GetFullWidth() * 72.0, page->GetFullDepth() * 72.0);
-    sheet->SetMargins(page->GetLeftMargin() * 72.0, page->GetRightMargin() * 72.0, page->GetTopMargin() * 72.0,
-                      page->GetBottomMargin() * 72.0);
+    sheet->SetMargins(page->GetLeftMargin() * 72.0, page->GetRightMargin() * 72.0,
+                      page->GetTopMargin() * 72.0, page->GetBottomMargin() * 72.0);
     if (!sheet->IsDataValid() || GetMedia(sheet->GetName().c_str()) != nullptr) {
       continue;
     }
@@ -491,8 +491,9 @@ bool CPrintMediaList::WriteMediaToDisk() {
       continue;
     }
     if (IsNameValid(media->GetName().c_str(), media.get()) != CML_NAME_OK) {
-      Report(Format(L"Media \"%s\" not saved: the name is empty, taken or holds one of / \\ : * ? \" < > | . { } [ ]",
-                    media->GetName()));
+      Report(Format(
+          L"Media \"%s\" not saved: the name is empty, taken or holds one of / \\ : * ? \" < > | . { } [ ]",
+          media->GetName()));
       ok = false;
       continue;
     }

@@ -74,16 +74,18 @@ std::string PlotMediaSVG(const CPrintMedia& media) {
       Format("%s %s %s %s", Number(left), Number(top), Number(right - left), Number(bottom - top)).c_str();
   svg.append_attribute("font-family") = "sans-serif";
   const std::string line = Number(std::max(extent / 800.0, 0.25));
-  xml::SetText(svg.append_child("style"),
-               FromUtf8("\n.sheet { fill: #FFFFFF; stroke: #202020; stroke-width: " + line +
-                        "; }\n.margins { fill: none; stroke: #808080; stroke-width: " + line +
-                        "; stroke-dasharray: " + Number(std::max(extent / 200.0, 1.0)) +
-                        "; }\n.slot rect { fill: #DCEBFA; stroke: #2F55D4; stroke-width: " + line +
-                        "; }\n.slot text { fill: #1A2F75; text-anchor: middle; dominant-baseline: central; }\n"));
-  xml::SetText(svg.append_child("title"),
-               Format(L"%s: %s, %.1f x %.1f mm, %d slot%s", media.GetName().empty() ? L"(no name)" : media.GetName(),
-                      CPrintMedia::KindName(media.GetType()), width / kPointsPerMm, height / kPointsPerMm, media.SlotCount(),
-                      media.SlotCount() == 1 ? L"" : L"s"));
+  xml::SetText(
+      svg.append_child("style"),
+      FromUtf8("\n.sheet { fill: #FFFFFF; stroke: #202020; stroke-width: " + line +
+               "; }\n.margins { fill: none; stroke: #808080; stroke-width: " + line +
+               "; stroke-dasharray: " + Number(std::max(extent / 200.0, 1.0)) +
+               "; }\n.slot rect { fill: #DCEBFA; stroke: #2F55D4; stroke-width: " + line +
+               "; }\n.slot text { fill: #1A2F75; text-anchor: middle; dominant-baseline: central; }\n"));
+  xml::SetText(
+      svg.append_child("title"),
+      Format(L"%s: %s, %.1f x %.1f mm, %d slot%s", media.GetName().empty() ? L"(no name)" : media.GetName(),
+             CPrintMedia::KindName(media.GetType()), width / kPointsPerMm, height / kPointsPerMm,
+             media.SlotCount(), media.SlotCount() == 1 ? L"" : L"s"));
   Rect(svg, "sheet", 0.0, 0.0, width, height);
   if (media.HasMargins()) {
     const double l = Finite(media.GetLMargin());
@@ -102,8 +104,8 @@ std::string PlotMediaSVG(const CPrintMedia& media) {
     pugi::xml_node group = svg.append_child("g");
     group.append_attribute("class") = "slot";
     xml::SetText(group.append_child("title"),
-                 Format(L"slot %d, image %d: %.1f, %.1f mm, %.1f x %.1f mm", index, slot->item, x / kPointsPerMm,
-                        y / kPointsPerMm, w / kPointsPerMm, h / kPointsPerMm));
+                 Format(L"slot %d, image %d: %.1f, %.1f mm, %.1f x %.1f mm", index, slot->item,
+                        x / kPointsPerMm, y / kPointsPerMm, w / kPointsPerMm, h / kPointsPerMm));
     Rect(group, nullptr, x, y, w, h);
     // The image number fills a good part of the slot, whatever its size.
     const double size = std::max(std::min(std::fabs(w), std::fabs(h)) * 0.4, 0.5);

@@ -59,8 +59,8 @@ struct TARN_API _SlotData {
   std::int32_t scaling = 0;
   std::int32_t rotate = 0;  // "rotate_enum"
   std::int32_t anchor = 0;
-  std::int32_t mirror = 0;             // written as a flag: 1 only when it equals 1
-  std::int32_t doCustomPattern = 0;    // written as a flag: 1 only when it equals 1
+  std::int32_t mirror = 0;           // written as a flag: 1 only when it equals 1
+  std::int32_t doCustomPattern = 0;  // written as a flag: 1 only when it equals 1
   std::int32_t scalingVector = 0;
   std::int32_t rotateVector = 0;
   std::int32_t mirrorVector = 0;

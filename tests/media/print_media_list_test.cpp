@@ -67,7 +67,7 @@ TEST(MediaList, SizeMatchingWithWildcards) {
   list.AddMedia(Sheet(L"A4", 595.2756, 841.8898));
   list.AddMedia(Sheet(L"Small", 100, 200));
   EXPECT_EQ(list.GetMedia(-1, 841.89)->GetName(), L"Wide");
-  EXPECT_EQ(list.GetMedia(595.2755, -1)->GetName(), L"A4");       // equal at a thousandth
+  EXPECT_EQ(list.GetMedia(595.2755, -1)->GetName(), L"A4");  // equal at a thousandth
   EXPECT_EQ(list.GetMedia(595.27559, 841.8897)->GetName(), L"A4");
   EXPECT_EQ(list.GetMedia(595.277, -1), nullptr);
   EXPECT_EQ(list.GetMedia(-1, -1), nullptr);
@@ -126,7 +126,7 @@ TEST(MediaList, SanitizesPaperNames) {
       {L"Tabloid Extra", L"Tabloid"},
       {L"Custom Size 1", L"Custom Size 1"},
       {L"Envelope #10", L"Envelope"},
-      {L".hidden x", L".hidden"},    // a full stop first is not an abbreviation
+      {L".hidden x", L".hidden"},        // a full stop first is not an abbreviation
       {L"(Custom) paper", L"(Custom)"},  // nor does a "(" first end the name
       {L"Photo 4\"x6\"", L"Photo 4"},
       {L"", L""},
@@ -171,16 +171,17 @@ class MediaFolder : public ::testing::Test {
     std::filesystem::create_directories(rip_.path() / "System" / "printers");
     media_ = rip_.path() / "System" / "pmodes" / "Proofer" / "Media";
     std::filesystem::create_directories(media_);
-    test::WriteBytes(rip_.path() / "System" / "printers" / "Proofer.pdx",
-                     "<?xml version=\"1.0\"?><PRINTERLIST><PRINTER>"
-                     "<DEFAULTPAGE><ROLLWIDTH>44</ROLLWIDTH></DEFAULTPAGE>"
-                     "<GDIORIGINALNAME>Office Laser</GDIORIGINALNAME>"
-                     "<GDINONPRINTABLE_X>0.25</GDINONPRINTABLE_X><GDINONPRINTABLE_Y>0.5</GDINONPRINTABLE_Y>"
-                     "<PAGESIZE><PAGENAME>A4</PAGENAME><PAGEWIDTH>8</PAGEWIDTH><PAGEDEPTH>11</PAGEDEPTH></PAGESIZE>"
-                     "<PAGESIZE><PAGENAME>Letter 8.5x11</PAGENAME><PAGEWIDTH>8</PAGEWIDTH>"
-                     "<PAGEDEPTH>10.5</PAGEDEPTH><LEFTMARG>0.25</LEFTMARG><RIGHTMARG>0.25</RIGHTMARG>"
-                     "<TOPMARG>0.25</TOPMARG><BOTMARG>0.25</BOTMARG></PAGESIZE>"
-                     "</PRINTER></PRINTERLIST>");
+    test::WriteBytes(
+        rip_.path() / "System" / "printers" / "Proofer.pdx",
+        "<?xml version=\"1.0\"?><PRINTERLIST><PRINTER>"
+        "<DEFAULTPAGE><ROLLWIDTH>44</ROLLWIDTH></DEFAULTPAGE>"
+        "<GDIORIGINALNAME>Office Laser</GDIORIGINALNAME>"
+        "<GDINONPRINTABLE_X>0.25</GDINONPRINTABLE_X><GDINONPRINTABLE_Y>0.5</GDINONPRINTABLE_Y>"
+        "<PAGESIZE><PAGENAME>A4</PAGENAME><PAGEWIDTH>8</PAGEWIDTH><PAGEDEPTH>11</PAGEDEPTH></PAGESIZE>"
+        "<PAGESIZE><PAGENAME>Letter 8.5x11</PAGENAME><PAGEWIDTH>8</PAGEWIDTH>"
+        "<PAGEDEPTH>10.5</PAGEDEPTH><LEFTMARG>0.25</LEFTMARG><RIGHTMARG>0.25</RIGHTMARG>"
+        "<TOPMARG>0.25</TOPMARG><BOTMARG>0.25</BOTMARG></PAGESIZE>"
+        "</PRINTER></PRINTERLIST>");
     ASSERT_TRUE(printer_.LoadPrinter(L"Proofer"));
 
     // A file of a page's name wins over the printer's page.
@@ -191,7 +192,8 @@ class MediaFolder : public ::testing::Test {
     roll.SetName(L"Gloss_Vinyl");
     ASSERT_TRUE(roll.WriteFile(FromUtf8(media_.string())));
     test::WriteBytes(media_ / "Broken.qmd", "<XMEDIA><Name>Broken</Name>");
-    test::WriteBytes(media_ / "Nameless.qmd", "<XMEDIA><Type>1</Type><Width>10</Width><Height>10</Height></XMEDIA>");
+    test::WriteBytes(media_ / "Nameless.qmd",
+                     "<XMEDIA><Type>1</Type><Width>10</Width><Height>10</Height></XMEDIA>");
     test::WriteBytes(media_ / "Twin.qmd", "<XMEDIA><Name>Gloss Vinyl</Name></XMEDIA>");
     broken_ = test::ReadBytes(media_ / "Broken.qmd");
 
@@ -235,11 +237,11 @@ TEST_F(MediaFolder, ListComesFromFilesPrinterPagesInstalledPrinterAndDefaults) {
       &context));
   EXPECT_EQ(list.GetMediaPath(), GetPrintModesFolder() + L"Proofer\\Media\\");
   EXPECT_EQ(Names(list), (std::vector<std::wstring>{L"A4", L"Gloss_Vinyl", L"Nameless", L"Letter_8_5x11",
-                                                    L"Executive_7_25_x_10_5", L"Default_Roll", L"Default_Sheet",
-                                                    L"Default_Template"}));
+                                                    L"Executive_7_25_x_10_5", L"Default_Roll",
+                                                    L"Default_Sheet", L"Default_Template"}));
   // Five files, then the printer's pages, the installed printer and the defaults.
-  EXPECT_EQ(steps, (std::vector<std::pair<int, int>>{{0, 8}, {1, 8}, {2, 8}, {3, 8}, {4, 8}, {5, 8}, {6, 8},
-                                                     {7, 8}, {8, 8}}));
+  EXPECT_EQ(steps, (std::vector<std::pair<int, int>>{
+                       {0, 8}, {1, 8}, {2, 8}, {3, 8}, {4, 8}, {5, 8}, {6, 8}, {7, 8}, {8, 8}}));
   EXPECT_EQ(loaded, 3);
   ASSERT_EQ(messages.messages().size(), 2u);  // the broken file and the second "Gloss Vinyl"
   EXPECT_NE(messages.messages()[0].text.find(L"Broken.qmd"), std::wstring::npos);

@@ -92,44 +92,45 @@ TEST(PrintMedia, TemplateLayout) {
   media->SetCopyright(L"c");
   media->GetSlots().Get(0)->mirror = 2;  // not 1: written as 0
   media->GetSlots().Get(0)->creepAmountX = -7;
-  EXPECT_EQ(test::Written(*media),
-            "<?xml version=\"1.0\"?>\n"
-            "<XMEDIA>\n"
-            "\t<Name>One</Name>\n"
-            "\t<Version></Version>\n"
-            "\t<Copyright>c</Copyright>\n"
-            "\t<Type>2</Type>\n"
-            "\t<Width>118.5</Width>\n"
-            "\t<Height>68.25</Height>\n"
-            "\t<LMargin>0</LMargin>\n"
-            "\t<RMargin>0</RMargin>\n"
-            "\t<TMargin>0</TMargin>\n"
-            "\t<BMargin>0</BMargin>\n"
-            "\t<XSpacing>0</XSpacing>\n"
-            "\t<YSpacing>0</YSpacing>\n"
-            "\t<Locked>0</Locked>\n"
-            "\t<TEMPLATE_BASE></TEMPLATE_BASE>\n"
-            "\t<TEMPLATE_QUICKSET>\n"
-            "\t\t<HSpace>0</HSpace>\n"
-            "\t\t<VSpace>0</VSpace>\n"
-            "\t\t<HOffset>9</HOffset>\n"
-            "\t\t<VOffset>9</VOffset>\n"
-            "\t\t<HNumber>1</HNumber>\n"
-            "\t\t<VNumber>1</VNumber>\n"
-            "\t\t<SlotWidth>100.5</SlotWidth>\n"
-            "\t\t<SlotHeight>50.25</SlotHeight>\n"
-            "\t\t<FillOrder>0</FillOrder>\n"
-            "\t</TEMPLATE_QUICKSET>\n"
-            "\t<SLOTS>\n"
-            "\t\t<SLOT item=\"1\" scaling=\"2\" rotate_enum=\"0\" anchor=\"4\" Mirror=\"0\" "
-            "DoCustomPattern=\"0\" Scaling_Vector=\"0\" Rotate_Vector=\"0\" Mirror_Vector=\"0\" Pattern=\"0\" "
-            "DoFixedGraphics=\"0\" FixedGraphics=\"0\" scaling_Graphics=\"0\" rotate_Graphics=\"0\" "
-            "anchor_Graphics=\"0\" arrange_Graphics=\"0\" CreepAmount_X=\"-7\" "
-            "CreepAmount_Y=\"0\">9.000,9.000,100.500,50.250</SLOT>\n"
-            "\t</SLOTS>\n"
-            "\t<BookTemplate>0</BookTemplate>\n"
-            "\t<CreepContent>0</CreepContent>\n"
-            "</XMEDIA>\n");
+  EXPECT_EQ(
+      test::Written(*media),
+      "<?xml version=\"1.0\"?>\n"
+      "<XMEDIA>\n"
+      "\t<Name>One</Name>\n"
+      "\t<Version></Version>\n"
+      "\t<Copyright>c</Copyright>\n"
+      "\t<Type>2</Type>\n"
+      "\t<Width>118.5</Width>\n"
+      "\t<Height>68.25</Height>\n"
+      "\t<LMargin>0</LMargin>\n"
+      "\t<RMargin>0</RMargin>\n"
+      "\t<TMargin>0</TMargin>\n"
+      "\t<BMargin>0</BMargin>\n"
+      "\t<XSpacing>0</XSpacing>\n"
+      "\t<YSpacing>0</YSpacing>\n"
+      "\t<Locked>0</Locked>\n"
+      "\t<TEMPLATE_BASE></TEMPLATE_BASE>\n"
+      "\t<TEMPLATE_QUICKSET>\n"
+      "\t\t<HSpace>0</HSpace>\n"
+      "\t\t<VSpace>0</VSpace>\n"
+      "\t\t<HOffset>9</HOffset>\n"
+      "\t\t<VOffset>9</VOffset>\n"
+      "\t\t<HNumber>1</HNumber>\n"
+      "\t\t<VNumber>1</VNumber>\n"
+      "\t\t<SlotWidth>100.5</SlotWidth>\n"
+      "\t\t<SlotHeight>50.25</SlotHeight>\n"
+      "\t\t<FillOrder>0</FillOrder>\n"
+      "\t</TEMPLATE_QUICKSET>\n"
+      "\t<SLOTS>\n"
+      "\t\t<SLOT item=\"1\" scaling=\"2\" rotate_enum=\"0\" anchor=\"4\" Mirror=\"0\" "
+      "DoCustomPattern=\"0\" Scaling_Vector=\"0\" Rotate_Vector=\"0\" Mirror_Vector=\"0\" Pattern=\"0\" "
+      "DoFixedGraphics=\"0\" FixedGraphics=\"0\" scaling_Graphics=\"0\" rotate_Graphics=\"0\" "
+      "anchor_Graphics=\"0\" arrange_Graphics=\"0\" CreepAmount_X=\"-7\" "
+      "CreepAmount_Y=\"0\">9.000,9.000,100.500,50.250</SLOT>\n"
+      "\t</SLOTS>\n"
+      "\t<BookTemplate>0</BookTemplate>\n"
+      "\t<CreepContent>0</CreepContent>\n"
+      "</XMEDIA>\n");
 }
 
 // Which of the conditional elements each kind of media writes.
@@ -141,8 +142,8 @@ TEST(PrintMedia, ConditionalElements) {
     for (const pugi::xml_node& child : document.first_child().children()) {
       const std::string name = child.name();
       if (name == "PS" || name == "PSImageableArea" || name == "PSDimension" || name == "TEMPLATE_BASE" ||
-          name == "TEMPLATE_QUICKSET" || name == "SLOTS" || name == "BookTemplate" || name == "CreepContent" ||
-          name == "PaperSizeName") {
+          name == "TEMPLATE_QUICKSET" || name == "SLOTS" || name == "BookTemplate" ||
+          name == "CreepContent" || name == "PaperSizeName") {
         names += (names.empty() ? "" : " ") + name;
       }
     }
@@ -351,7 +352,8 @@ TEST(PrintMediaFile, NeverWritesOutsideItsFolder) {
   test::TempFolder folder;
   std::filesystem::create_directory(folder.path() / "Media");
   const std::wstring media_folder = folder.wide() + L"Media\\";
-  for (const wchar_t* name : {L"..\\escape", L"../escape", L"sub/escape", L"C:escape", L"a.b", L"", L"tab\tname"}) {
+  for (const wchar_t* name :
+       {L"..\\escape", L"../escape", L"sub/escape", L"C:escape", L"a.b", L"", L"tab\tname"}) {
     CPrintMedia media;
     media.SetName(name);
     std::wstring error;

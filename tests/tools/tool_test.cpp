@@ -114,7 +114,8 @@ TEST_F(ToolTest, ShowsAndDrawsTheSampleMedia) {
   const fs::path labels = kExamples / "System/pmodes/Hexa6/Media/Labels_3x2.qmd";
   const ToolRun info = Tool({"info", labels.string()});
   ASSERT_EQ(info.status, 0) << info.err;
-  EXPECT_NE(info.out.find("    2  image 3    at 75.0, 20.0 mm, 60.0 x 80.0 mm\n"), std::string::npos) << info.out;
+  EXPECT_NE(info.out.find("    2  image 3    at 75.0, 20.0 mm, 60.0 x 80.0 mm\n"), std::string::npos)
+      << info.out;
 
   test::TempFolder temp;
   const fs::path svg = temp.path() / "labels.svg";
