@@ -31,6 +31,12 @@ demo: release
 	@echo
 	build/release/tools/tarn curves $(EXAMPLE_MODE) -o build/curves.svg
 	@echo "== the curves of $(EXAMPLE_MODE) are drawn in build/curves.svg"
+	@echo
+	@echo "== tarn media examples/rip Hexa6"
+	build/release/tools/tarn media examples/rip Hexa6
+	@echo
+	build/release/tools/tarn media examples/rip/System/pmodes/Hexa6/Media/Labels_3x2.qmd -o build/labels.svg
+	@echo "== the label template of Hexa6 is drawn in build/labels.svg"
 
 asan: deps
 	cmake --preset asan-ubsan
