@@ -60,7 +60,8 @@ int ListPrinterMedia(const std::string& folder, const std::string& driver) {
                 Size(media->GetWidth(), media->GetHeight()).c_str(), media->SlotCount(),
                 media->IsLocked() ? "  locked" : "");
   }
-  std::fprintf(stderr, "%zu media in %s\n", list.size(), ToUtf8(list.GetMediaPath()).c_str());
+  std::fprintf(stderr, "%zu media; media files in %s\n", list.size(),
+               NativePath(list.GetMediaPath()).c_str());
   return kExitOk;
 }
 

@@ -397,6 +397,11 @@ void CPrintMediaList::ForgetFile(const CPrintMedia& media) {
 }
 
 CPrintMedia* CPrintMediaList::AddMedia(CPrintMedia* media) {
+  // A media the list owns already must not be owned twice.
+  if (std::any_of(m_media.begin(), m_media.end(),
+                  [media](const auto& held) { return held.get() == media; })) {
+    return media;
+  }
   return Append(std::unique_ptr<CPrintMedia>(media), true);
 }
 

@@ -63,7 +63,8 @@ class TARN_API CPrintMediaList {
   bool Initialize(CPrinterData* printer, ProgressCallback progress, void* context);
 
   // --- adding and removing ------------------------------------------------
-  // Takes media over and appends it; null is ignored. Returns the media.
+  // Takes media over and appends it; null is ignored, and so is a media the
+  // list holds already. Returns the media.
   CPrintMedia* AddMedia(CPrintMedia* media);
   CPrintMedia* AddMedia(std::unique_ptr<CPrintMedia> media);
   // Appends a copy of media.

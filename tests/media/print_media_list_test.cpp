@@ -157,6 +157,7 @@ TEST(MediaList, DefaultsAreMadeWhenMissing) {
   page->CreateDefaultTemplate();
   page->SetName(L"Default_Template_A3");
   CPrintMedia* stored = list.AddMedia(std::move(page));
+  EXPECT_EQ(list.AddMedia(stored), stored);  // held already: not owned twice
   EXPECT_EQ(list.GetDefaultTemplate(), stored);
   EXPECT_EQ(list.size(), 1u);
   EXPECT_FALSE(list.HasRollMedia());
