@@ -427,6 +427,8 @@ SYNC_TYPE CPrintModeData::DoesRequireSyncing() const {
 }
 
 void CPrintModeData::EnableAllOverrideFlags() {
+  transfers_.SetEnable(true);
+  separations_.SetEnable(true);
   halftones_.SetEnable(true);
   icc_profiles_.SetOverrideInput(true);
   icc_profiles_.SetOverrideOutput(true);
@@ -435,6 +437,8 @@ void CPrintModeData::EnableAllOverrideFlags() {
 }
 
 void CPrintModeData::DisableAllOverrideFlags() {
+  transfers_.SetEnable(false);
+  separations_.SetEnable(false);
   halftones_.SetEnable(false);
   icc_profiles_.SetOverrideInput(false);
   icc_profiles_.SetOverrideOutput(false);

@@ -113,6 +113,10 @@ class TARN_API CPrintModeData {
   bool operator==(const CPrintModeData& other) const;
   bool operator!=(const CPrintModeData& other) const { return !(*this == other); }
 
+  // Set or clear every override flag of the sections: the enable switches
+  // that the transfers, separations, halftones and printer options keep as
+  // "OVR_ENABLE", and the ICC section's input, output and other overrides.
+  // Loading ends by clearing them, so a loaded print mode starts with none on.
   void EnableAllOverrideFlags();
   void DisableAllOverrideFlags();
 

@@ -41,8 +41,11 @@ TEST(PrintModeCurves, SectionsStandInTheirPlaces) {
 TEST(PrintModeCurves, EveryFieldSurvivesSaveAndReload) {
   test::TempFolder temp;
   // Saving reloads the record from its new file, so the comparison is with a
-  // record that never went through a file.
-  const CPrintModeData mode = CurveSample();
+  // record that never went through a file. Loading switches the override
+  // flags off (both sections' enables among them); everything else comes back.
+  CPrintModeData mode = CurveSample();
+  ASSERT_TRUE(mode.GetTransfers()->GetEnable() && mode.GetSeparations()->GetEnable());
+  mode.DisableAllOverrideFlags();
   CPrintModeData saved = CurveSample();
   ASSERT_TRUE(saved.SavePrintMode(temp.wide().c_str(), false));
   EXPECT_EQ(saved, mode);
