@@ -192,6 +192,9 @@ void CPrintModeData::ApplyLoadRepairs() {
 }
 
 bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
+  // A section the file leaves out is a default one, not what the record held
+  // before (a record is reloaded in place after every save).
+  SetSectionDefaults();
   version_ = xml::ReadAttribute(node, tags::kVersion);
   static const std::array<TextField, 3> kHeaderTexts = {{
       {kEmailAddress, &CPrintModeData::email_},
