@@ -88,9 +88,12 @@ TEST_F(PrintModeOptions, EveryFieldSurvivesSaveAndReload) {
 // Every override flag of a print mode, in a fixed order.
 std::vector<bool> OverrideFlags(const CPrintModeData& mode) {
   const CPMICCProfileData& icc = *mode.GetICCProfiles();
-  return {mode.GetTransfers()->GetEnable(),      mode.GetSeparations()->GetEnable(),
-          mode.GetHalftones()->GetEnable(),      mode.GetPrinterOptions()->GetOverrideEnable(),
-          icc.GetOverrideInput(),                icc.GetOverrideOutput(),
+  return {mode.GetTransfers()->GetEnable(),
+          mode.GetSeparations()->GetEnable(),
+          mode.GetHalftones()->GetEnable(),
+          mode.GetPrinterOptions()->GetOverrideEnable(),
+          icc.GetOverrideInput(),
+          icc.GetOverrideOutput(),
           icc.GetOverrideOther()};
 }
 
