@@ -52,6 +52,13 @@ int WriteOutput(const std::string& text, const std::string& output) {
   return kExitOk;
 }
 
+bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path) {
+  const MessageHandler previous = SetMessageHandler([](const std::wstring&, const std::wstring&) {});
+  const bool loaded = mode.LoadXMLPrintMode(path);
+  SetMessageHandler(previous);
+  return loaded;
+}
+
 }  // namespace tarn::tool
 
 int main(int argc, char** argv) {
