@@ -226,6 +226,35 @@ std::vector<std::wstring> PlaneMapping::GetPlanes() const {
   return out;
 }
 
+bool PlaneMapping::ReadXML(const pugi::xml_node& node) {
+  synonyms_.clear();
+  substitutes_.clear();
+  if (!node) {
+    return false;
+  }
+  for (const pugi::xml_node& plane : node.children()) {
+    const std::wstring name = xml::IsNamed(plane, plane_tag::kPlane) ? xml::ReadAttribute(plane, plane_tag::kName)
+                                                                     : std::wstring();
+    if (name.empty()) {
+      continue;
+    }
+    const bool known = FindPlane(name);
+    std::wstring substitute;
+    for (const pugi::xml_node& child : plane.children()) {
+      if (xml::IsNamed(child, plane_tag::kSynonym) && HasValue(child)) {
+        AddSynonym(name, xml::ReadText(child));
+      } else if (xml::IsNamed(child, plane_tag::kSubstitute) && HasValue(child) && substitute.empty()) {
+        substitute = xml::ReadText(child);
+      }
+    }
+    if (!known && !FindPlane(name)) {
+      AddSynonym(name, name);
+    }
+    SetSubstitute(name, substitute.empty() ? name : substitute);
+  }
+  return true;
+}
+
 bool PlaneMapping::SaveXML(pugi::xml_node node) const {
   if (!node) {
     return false;

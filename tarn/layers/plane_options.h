@@ -203,6 +203,12 @@ class TARN_API PlaneMapping {
   // True when the plane has a synonym, i.e. was added.
   bool FindPlane(const std::wstring& name) const { return synonyms_.count(name) > 0; }
 
+  // Replaces the table with the "Plane" children of node, the printer
+  // definition element that holds them: each named plane with its "Synonym"
+  // texts in order (its own name when it lists none) and its "Substitute" (its
+  // own name when absent or empty). Planes without a name are skipped. False,
+  // the table emptied, for a null node.
+  bool ReadXML(const pugi::xml_node& node);
   // Merges the table into node, the printer definition element that holds the
   // "Plane" children: planes the table lacks are removed, known planes gain
   // the synonyms they lack and take the table's substitute (the plane's own

@@ -352,6 +352,25 @@ TEST_F(PlaneMappingSave, MergesIntoThePrinterPlaneList) {
   EXPECT_NE(printer.GetColorModel(L"CMYKW"), nullptr);
 }
 
+TEST_F(PlaneMappingSave, ATableReadFromThePrinterSavesBackUnchanged) {
+  PlaneMapping mapping;
+  ASSERT_TRUE(mapping.ReadXML(planes_));
+  EXPECT_EQ(mapping.GetPlanes(), (std::vector<std::wstring>{L"Clear", L"Varnish", L"White"}));
+  EXPECT_EQ(mapping.GetSynonyms(L"White"), (std::vector<std::wstring>{L"White", L"Opaque White"}));
+  EXPECT_EQ(mapping.GetSubstitutes().at(L"Clear"), L"Clear");  // the file gives none
+
+  mapping.SaveXML(planes_);
+  PlaneMapping again;
+  again.ReadXML(planes_);
+  EXPECT_TRUE(again == mapping);
+  const std::string saved = Text(planes_);
+  again.SaveXML(planes_);
+  EXPECT_EQ(Text(planes_), saved);
+
+  EXPECT_FALSE(again.ReadXML(pugi::xml_node()));
+  EXPECT_TRUE(again.GetPlanes().empty());
+}
+
 TEST_F(PlaneMappingSave, AnEmptyTableLeavesThePlanesAlone) {
   const std::string before = Text(planes_);
   PlaneMapping mapping;
