@@ -63,7 +63,8 @@ std::wstring Trimmed(const std::wstring& text) {
 
 }  // namespace
 
-Layer::Layer() : layer_name_(XLT_TranslateCString(kDefaultName)), print_mode_(std::make_unique<CPrintModeData>()) {
+Layer::Layer()
+    : layer_name_(XLT_TranslateCString(kDefaultName)), print_mode_(std::make_unique<CPrintModeData>()) {
   for (const wchar_t* name : kProcessPlanes) {
     planes_.emplace_back(name);
   }
@@ -205,8 +206,9 @@ bool Layer::IsPlaneEnable(const std::wstring& name) const {
 }
 
 void Layer::SetSynonym(const std::wstring& plane, const std::wstring& substitute) {
-  const auto found = std::find_if(planes_.begin(), planes_.end(),
-                                  [&plane](const PlaneOptions& options) { return options.GetName() == plane; });
+  const auto found = std::find_if(planes_.begin(), planes_.end(), [&plane](const PlaneOptions& options) {
+    return options.GetName() == plane;
+  });
   if (found != planes_.end()) {
     found->SetSubstitute(substitute);
   }
@@ -288,7 +290,7 @@ bool Layer::HasSeparationChannels() const {
 
 bool Layer::operator==(const Layer& other) const {
   const bool samePrintMode = print_mode_ && other.print_mode_ ? *print_mode_ == *other.print_mode_
-                                                               : !print_mode_ && !other.print_mode_;
+                                                              : !print_mode_ && !other.print_mode_;
   return samePrintMode && layer_name_ == other.layer_name_ && repeats_ == other.repeats_ &&
          mirror_ == other.mirror_ && flood_level_ == other.flood_level_ && page_ == other.page_ &&
          exclude_from_preview_ == other.exclude_from_preview_ && bitmap_options_ == other.bitmap_options_ &&

@@ -112,10 +112,10 @@ class TARN_API Layer {
   // Which inks the layer has. The white, clear and prime tests look at plane
   // names only, enabled or not; the colour test counts enabled planes only; the
   // only-white test looks at the enabled planes alone. The RIP relies on each.
-  bool HasWhiteChannel() const;             // a plane named exactly "White"
-  bool HasClearChannel() const;             // a plane named exactly "Clear"
-  bool HasPrimeChannel() const;             // a plane named exactly "Promoter"
-  bool HasColorChannels() const;            // an enabled C, M, Y, K, Red, Green or Blue plane
+  bool HasWhiteChannel() const;              // a plane named exactly "White"
+  bool HasClearChannel() const;              // a plane named exactly "Clear"
+  bool HasPrimeChannel() const;              // a plane named exactly "Promoter"
+  bool HasColorChannels() const;             // an enabled C, M, Y, K, Red, Green or Blue plane
   bool HasOnlyWhiteChannelsEnabled() const;  // some plane enabled, and all enabled ones "White..."
   // True when the print mode's separations list a separation ink.
   bool HasSeparationChannels() const;

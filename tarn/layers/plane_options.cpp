@@ -233,8 +233,8 @@ bool PlaneMapping::ReadXML(const pugi::xml_node& node) {
     return false;
   }
   for (const pugi::xml_node& plane : node.children()) {
-    const std::wstring name = xml::IsNamed(plane, plane_tag::kPlane) ? xml::ReadAttribute(plane, plane_tag::kName)
-                                                                     : std::wstring();
+    const std::wstring name =
+        xml::IsNamed(plane, plane_tag::kPlane) ? xml::ReadAttribute(plane, plane_tag::kName) : std::wstring();
     if (name.empty()) {
       continue;
     }

@@ -193,12 +193,13 @@ TEST(BmpProcessOptionsXml, WritesTheElementsInTheirOrder) {
   for (const pugi::xml_node& child : document.first_child().children()) {
     names.push_back(child.name());
   }
-  EXPECT_EQ(names, (std::vector<std::string>{
-                       "UsePrimer",   "PrimerMaxInk", "PrimerBleed",     "PrimerPlane",     "InvertAlpha",
-                       "PrimeOpaque", "UseKnockMeBlack", "KnockMeBlack", "UseKnockMeWhite", "KnockMeWhite",
-                       "CleanBlack",  "ColorBoost",   "ColorBoostBlend", "Flatten",         "WhiteUsage",
-                       "WhiteMask",   "WhiteMask",    "WhiteMaxInk",     "ChokeWhite",      "WhiteOpaque",
-                       "CurveData",   "UseClear",     "ClearMaxInk",     "ClearBleed",      "ClearOpaque"}));
+  EXPECT_EQ(names,
+            (std::vector<std::string>{
+                "UsePrimer",   "PrimerMaxInk",    "PrimerBleed",     "PrimerPlane",     "InvertAlpha",
+                "PrimeOpaque", "UseKnockMeBlack", "KnockMeBlack",    "UseKnockMeWhite", "KnockMeWhite",
+                "CleanBlack",  "ColorBoost",      "ColorBoostBlend", "Flatten",         "WhiteUsage",
+                "WhiteMask",   "WhiteMask",       "WhiteMaxInk",     "ChokeWhite",      "WhiteOpaque",
+                "CurveData",   "UseClear",        "ClearMaxInk",     "ClearBleed",      "ClearOpaque"}));
   EXPECT_NE(text.find("<PrimerMaxInk>100</PrimerMaxInk>"), std::string::npos);
   EXPECT_NE(text.find("<ColorBoost>1</ColorBoost>"), std::string::npos);
 }

@@ -145,7 +145,8 @@ TEST_F(LayerTest, SetPrintModeFollowsTheColourModel) {
   EXPECT_EQ(layer.GetColorModel(), L"CMYKW");
   EXPECT_EQ(layer.GetBaseModel(), L"CMYK");
   EXPECT_EQ(layer.GetPrinterL(), L"Lumen White 64");
-  EXPECT_EQ(Names(layer), (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black", L"White", L"Clear"}));
+  EXPECT_EQ(Names(layer),
+            (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black", L"White", L"Clear"}));
   EXPECT_FALSE(layer.IsPlanesAllKeyWords());  // white and clear are not keyword planes
 
   // The same colour model again keeps the planes as the user set them.
@@ -165,7 +166,8 @@ TEST_F(LayerTest, SetPrintModeFollowsTheColourModel) {
 
   // Another model rebuilds them; without a previous layer nothing is carried over.
   ASSERT_TRUE(layer.SetPrintMode(PrintMode(L"Six.pmx", L"CMYKOG"), &printer_, nullptr));
-  EXPECT_EQ(Names(layer), (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black", L"Orange", L"Green"}));
+  EXPECT_EQ(Names(layer),
+            (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black", L"Orange", L"Green"}));
   EXPECT_TRUE(layer.IsPlanesAllKeyWords());
   ASSERT_TRUE(layer.SetPrintMode(PrintMode(L"W.pmx", L"CMYKW"), &printer_, nullptr));
   EXPECT_EQ(layer.GetPlanes()[4].GetChoke(), 0);
@@ -222,8 +224,8 @@ TEST_F(LayerTest, ChannelCursorStopsAtTheEndAndLeavesTheOutRecord) {
 }
 
 TEST_F(LayerTest, ChannelTestsLookAtTheEnabledFlagAsEachRequires) {
-  const Layer disabledWhite = WithPlanes({Plane(L"White", false), Plane(L"Clear", false),
-                                          Plane(L"Promoter", false), Plane(L"Cyan", false)});
+  const Layer disabledWhite = WithPlanes(
+      {Plane(L"White", false), Plane(L"Clear", false), Plane(L"Promoter", false), Plane(L"Cyan", false)});
   EXPECT_TRUE(disabledWhite.HasWhiteChannel());
   EXPECT_TRUE(disabledWhite.HasClearChannel());
   EXPECT_TRUE(disabledWhite.HasPrimeChannel());
@@ -271,7 +273,8 @@ TEST_F(LayerTest, SubstitutesSkipProcessPlanes) {
 
   std::map<std::wstring, std::wstring> map;
   layer.GetSubstituteMap(map);
-  EXPECT_EQ(map, (std::map<std::wstring, std::wstring>{{L"White2", L"White"}, {L"White", L"White2"}, {L"Clear", L"Clear"}}));
+  EXPECT_EQ(map, (std::map<std::wstring, std::wstring>{
+                     {L"White2", L"White"}, {L"White", L"White2"}, {L"Clear", L"Clear"}}));
 
   EXPECT_EQ(layer.GetWhiteSubstitute(), L"White");  // White2 comes first
   layer.SetSynonym(L"White2", L"WhiteHD");
@@ -353,9 +356,9 @@ TEST_F(LayerXml, WritesTheElementsInTheirOrder) {
   for (const pugi::xml_node& child : document.first_child().children()) {
     names.push_back(child.name());
   }
-  EXPECT_EQ(names, (std::vector<std::string>{"LayerName", "PrintMode", "PMH", "ColorMode", "BaseModel", "Repeats",
-                                             "Mirror", "FloodLevel", "Page", "ExcludeFromPreview", "LayerDelayDlg",
-                                             "LayerDelay", "TogglePort", "ScaleX", "ScaleY",
+  EXPECT_EQ(names, (std::vector<std::string>{"LayerName", "PrintMode", "PMH", "ColorMode", "BaseModel",
+                                             "Repeats", "Mirror", "FloodLevel", "Page", "ExcludeFromPreview",
+                                             "LayerDelayDlg", "LayerDelay", "TogglePort", "ScaleX", "ScaleY",
                                              "BitmapProcessingOptions", "PlaneOptions", "PlaneOptions"}));
 }
 
@@ -458,7 +461,8 @@ TEST_F(LayerXml, WithoutPlanesInTheFileThePrinterGivesThem) {
             (std::vector<std::wstring>{L"White", L"White2", L"Promoter"}));
 
   // Without the printer, or when it lacks the model, the planes held stay.
-  EXPECT_EQ(Names(ReadBack(text, nullptr)), (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black"}));
+  EXPECT_EQ(Names(ReadBack(text, nullptr)),
+            (std::vector<std::wstring>{L"Cyan", L"Magenta", L"Yellow", L"Black"}));
   const Layer unknown = ReadBack("<Layer><PrintMode>X.pmx</PrintMode></Layer>", &printer_);
   EXPECT_EQ(unknown.GetNumberOfChannels(), 4u);
 }

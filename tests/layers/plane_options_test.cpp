@@ -78,10 +78,11 @@ TEST(PlaneOptions, ProcessPlanesAreNamedExactlyAndNeverSubstituted) {
     bool cmyk;
     bool gray;
   };
-  for (const Case& c : {Case{L"Cyan", true, false}, Case{L"Magenta", true, false}, Case{L"Yellow", true, false},
-                        Case{L"Black", true, false}, Case{L"Gray", false, true}, Case{L"gray", false, false},
-                        Case{L"black", false, false}, Case{L"Cyan ", false, false}, Case{L"White", false, false},
-                        Case{L"", false, false}}) {
+  for (const Case& c :
+       {Case{L"Cyan", true, false}, Case{L"Magenta", true, false}, Case{L"Yellow", true, false},
+        Case{L"Black", true, false}, Case{L"Gray", false, true}, Case{L"gray", false, false},
+        Case{L"black", false, false}, Case{L"Cyan ", false, false}, Case{L"White", false, false},
+        Case{L"", false, false}}) {
     PlaneOptions plane(c.name);
     plane.SetSubstitute(L"White");
     SCOPED_TRACE(testing::Message() << "plane \"" << plane.GetName() << "\"");
@@ -166,8 +167,8 @@ TEST(PlanesOptions, SubstitutesComeFromEnabledNonProcessPlanesOnly) {
   EXPECT_EQ(out, (std::vector<std::wstring>{L"kept", L"White2", L"Promoter", L"gray"}));
 
   PlanesOptions process;
-  process.SetPlaneOptions({PlaneOptions(L"Cyan"), PlaneOptions(L"Magenta"), PlaneOptions(L"Yellow"),
-                           PlaneOptions(L"Black")});
+  process.SetPlaneOptions(
+      {PlaneOptions(L"Cyan"), PlaneOptions(L"Magenta"), PlaneOptions(L"Yellow"), PlaneOptions(L"Black")});
   std::vector<std::wstring> none;
   process.GetSubstitutes(none);
   EXPECT_TRUE(none.empty());
