@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/xml.h"
-#include "tarn/layers/internal/layer_xml.h"
 
 namespace tarn {
 namespace {
@@ -51,7 +51,8 @@ constexpr std::array<CWhiteMask::Preset, 2> kPresets = {{
      CWhiteMask::kManualCurve, 100},
 }};
 
-using internal::HasValue;
+// Fields change only where the file holds a value.
+constexpr internal::Read kKeep = internal::Read::kIfPresentNotEmpty;
 
 }  // namespace
 
@@ -59,10 +60,6 @@ using internal::HasValue;
 
 std::span<const CWhiteMask::Preset> CWhiteMask::GetPresets() {
   return kPresets;
-}
-
-CWhiteMask::CWhiteMask() {
-  SetPreset(kPresets.front());
 }
 
 CWhiteMask::CWhiteMask(const Preset& preset) {
@@ -78,77 +75,107 @@ void CWhiteMask::SetPreset(const Preset& preset) {
   last_point_strength_ = preset.lastPointStrength;
 }
 
+// A mask is read over its current values: what the file leaves empty stays.
+struct CWhiteMask::Fields {
+  using R = CWhiteMask;
+  using F = internal::Field<R>;
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        mask_tag::kWhiteMask, {
+                                  // Masks that print alike are equal, whatever they are called.
+                                  F::Text(mask_tag::kDisplay, &R::display_).Reads(kKeep).NotCompared(),
+                                  F::Int(mask_tag::kStrength, &R::strength_).Reads(kKeep),
+                                  F::Int(mask_tag::kLightStrength, &R::light_strength_).Reads(kKeep),
+                                  F::Int(mask_tag::kDarkStrength, &R::dark_strength_).Reads(kKeep),
+                                  F::Int(mask_tag::kWhiteStrength, &R::white_strength_).Reads(kKeep),
+                                  F::Int(mask_tag::kLastPointStrength, &R::last_point_strength_).Reads(kKeep),
+                              });
+    return table;
+  }
+};
+
 bool CWhiteMask::operator==(const CWhiteMask& other) const {
-  return strength_ == other.strength_ && light_strength_ == other.light_strength_ &&
-         dark_strength_ == other.dark_strength_ && white_strength_ == other.white_strength_ &&
-         last_point_strength_ == other.last_point_strength_;
+  return Fields::Table().Equal(*this, other);
 }
 
 bool CWhiteMask::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, mask_tag::kWhiteMask);
-  xml::AppendText(node, mask_tag::kDisplay, display_);
-  xml::AppendInt(node, mask_tag::kStrength, strength_);
-  xml::AppendInt(node, mask_tag::kLightStrength, light_strength_);
-  xml::AppendInt(node, mask_tag::kDarkStrength, dark_strength_);
-  xml::AppendInt(node, mask_tag::kWhiteStrength, white_strength_);
-  xml::AppendInt(node, mask_tag::kLastPointStrength, last_point_strength_);
+  Fields::Table().Write(*this, xml::AppendElement(parent, mask_tag::kWhiteMask));
   return true;
 }
 
 bool CWhiteMask::ReadXML(const pugi::xml_node& node) {
-  for (const pugi::xml_node& child : node.children()) {
-    if (!HasValue(child)) {
-      continue;
-    }
-    if (xml::IsNamed(child, mask_tag::kDisplay)) {
-      display_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, mask_tag::kStrength)) {
-      strength_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, mask_tag::kLightStrength)) {
-      light_strength_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, mask_tag::kDarkStrength)) {
-      dark_strength_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, mask_tag::kWhiteStrength)) {
-      white_strength_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, mask_tag::kLastPointStrength)) {
-      last_point_strength_ = xml::ReadInt(child);
-    }
-  }
+  Fields::Table().Read(*this, node, internal::Start::kCurrent);
   return true;
 }
 
 // --- CBmpProcessOptions -------------------------------------------------------
 
-CBmpProcessOptions::CBmpProcessOptions() {
-  SetToDefault();
-}
+// The options are read over their current values: a scalar the file leaves
+// empty or out keeps its value.
+struct CBmpProcessOptions::Fields {
+  using R = CBmpProcessOptions;
+  using F = internal::Field<R>;
+
+  // The first mask is the one under black, the second the other; files never
+  // hold more, and a third is ignored.
+  static void ReadMask(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    int before = 0;
+    for (pugi::xml_node mask = child.previous_sibling(mask_tag::kWhiteMask); mask && before < 2;
+         mask = mask.previous_sibling(mask_tag::kWhiteMask)) {
+      ++before;
+    }
+    if (before == 0) {
+      r.white_mask_.ReadXML(child);
+    } else if (before == 1) {
+      r.white_mask2_.ReadXML(child);
+    }
+  }
+  static void WriteMasks(const R& r, pugi::xml_node& node) {
+    r.white_mask_.WriteXML(node);
+    r.white_mask2_.WriteXML(node);
+  }
+  static void ReadCurve(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    r.white_curve_.ReadXML(child);
+  }
+  static void WriteCurve(const R& r, pugi::xml_node& node) { r.white_curve_.WriteXML(node); }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        tag::kOptions, {
+                           F::Bool(tag::kUsePrimer, &R::use_primer_).Reads(kKeep),
+                           F::Real(tag::kPrimerMaxInk, &R::primer_max_ink_).Reads(kKeep),
+                           F::Int(tag::kPrimerBleed, &R::primer_bleed_).Reads(kKeep),
+                           F::Text(tag::kPrimerPlane, &R::primer_plane_).Reads(kKeep),
+                           F::Bool(tag::kInvertAlpha, &R::invert_alpha_).Reads(kKeep),
+                           F::Bool(tag::kPrimeOpaque, &R::prime_opaque_).Reads(kKeep),
+                           F::Bool(tag::kUseKnockMeBlack, &R::use_knock_me_black_).Reads(kKeep),
+                           F::Int(tag::kKnockMeBlack, &R::knock_me_black_).Reads(kKeep),
+                           F::Bool(tag::kUseKnockMeWhite, &R::use_knock_me_white_).Reads(kKeep),
+                           F::Int(tag::kKnockMeWhite, &R::knock_me_white_).Reads(kKeep),
+                           F::Int(tag::kCleanBlack, &R::clean_black_).Reads(kKeep),
+                           F::Real(tag::kColorBoost, &R::color_boost_).Reads(kKeep),
+                           F::Real(tag::kColorBoostBlend, &R::color_boost_blend_).Reads(kKeep),
+                           F::Bool(tag::kFlatten, &R::flatten_).Reads(kKeep),
+                           F::Int(tag::kWhiteUsage, &R::white_usage_).Reads(kKeep),
+                           F::Custom(mask_tag::kWhiteMask, &ReadMask, &WriteMasks),
+                           F::Real(tag::kWhiteMaxInk, &R::white_max_ink_).Reads(kKeep),
+                           F::Int(tag::kChokeWhite, &R::choke_white_).Reads(kKeep),
+                           F::Bool(tag::kWhiteOpaque, &R::white_opaque_).Reads(kKeep),
+                           F::Custom(tag::kCurveData, &ReadCurve, &WriteCurve),
+                           F::Bool(tag::kUseClear, &R::use_clear_).Reads(kKeep),
+                           F::Real(tag::kClearMaxInk, &R::clear_max_ink_).Reads(kKeep),
+                           F::Int(tag::kClearBleed, &R::clear_bleed_).Reads(kKeep),
+                           F::Bool(tag::kClearOpaque, &R::clear_opaque_).Reads(kKeep),
+                       });
+    return table;
+  }
+};
 
 void CBmpProcessOptions::SetToDefault() {
   // The masks are deliberately left alone: callers reset the options and keep
   // the masks the user chose.
-  use_primer_ = false;
-  primer_max_ink_ = 100.0;
-  primer_bleed_ = 0;
-  primer_plane_ = kDefaultPrimerPlane;
-  invert_alpha_ = false;
-  prime_opaque_ = false;
-  use_knock_me_black_ = false;
-  knock_me_black_ = 70;
-  use_knock_me_white_ = false;
-  knock_me_white_ = 0;
-  clean_black_ = 255;
-  color_boost_ = 1.0;
-  color_boost_blend_ = 0.0;
-  flatten_ = true;
-  white_usage_ = WHITE_USAGE_NONE;
-  white_max_ink_ = 100.0;
-  choke_white_ = 0;
-  white_opaque_ = false;
+  Fields::Table().Assign(CBmpProcessOptions(), *this);
   white_curve_.SetDefaults();
-  use_clear_ = false;
-  clear_max_ink_ = 100.0;
-  clear_bleed_ = 0;
-  clear_opaque_ = false;
 }
 
 bool CBmpProcessOptions::HasAnyProcessing() const {
@@ -157,121 +184,21 @@ bool CBmpProcessOptions::HasAnyProcessing() const {
 }
 
 bool CBmpProcessOptions::operator==(const CBmpProcessOptions& other) const {
+  // The white curve by its points too: its own comparison looks at the name only.
   const auto sameCurve = [](const CCurveData& a, const CCurveData& b) {
     return a.GetName() == b.GetName() && a.IsSelected() == b.IsSelected() && a.GetValues() == b.GetValues();
   };
-  return use_primer_ == other.use_primer_ && primer_max_ink_ == other.primer_max_ink_ &&
-         primer_bleed_ == other.primer_bleed_ && primer_plane_ == other.primer_plane_ &&
-         invert_alpha_ == other.invert_alpha_ && prime_opaque_ == other.prime_opaque_ &&
-         use_knock_me_black_ == other.use_knock_me_black_ && knock_me_black_ == other.knock_me_black_ &&
-         use_knock_me_white_ == other.use_knock_me_white_ && knock_me_white_ == other.knock_me_white_ &&
-         clean_black_ == other.clean_black_ && color_boost_ == other.color_boost_ &&
-         color_boost_blend_ == other.color_boost_blend_ && flatten_ == other.flatten_ &&
-         white_usage_ == other.white_usage_ && white_mask_ == other.white_mask_ &&
-         white_mask2_ == other.white_mask2_ && white_max_ink_ == other.white_max_ink_ &&
-         choke_white_ == other.choke_white_ && white_opaque_ == other.white_opaque_ &&
-         sameCurve(white_curve_, other.white_curve_) && use_clear_ == other.use_clear_ &&
-         clear_max_ink_ == other.clear_max_ink_ && clear_bleed_ == other.clear_bleed_ &&
-         clear_opaque_ == other.clear_opaque_;
+  return Fields::Table().Equal(*this, other) && white_mask_ == other.white_mask_ &&
+         white_mask2_ == other.white_mask2_ && sameCurve(white_curve_, other.white_curve_);
 }
 
 bool CBmpProcessOptions::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, tag::kOptions);
-  xml::AppendBool(node, tag::kUsePrimer, use_primer_);
-  xml::AppendReal(node, tag::kPrimerMaxInk, primer_max_ink_);
-  xml::AppendInt(node, tag::kPrimerBleed, primer_bleed_);
-  xml::AppendText(node, tag::kPrimerPlane, primer_plane_);
-  xml::AppendBool(node, tag::kInvertAlpha, invert_alpha_);
-  xml::AppendBool(node, tag::kPrimeOpaque, prime_opaque_);
-  xml::AppendBool(node, tag::kUseKnockMeBlack, use_knock_me_black_);
-  xml::AppendInt(node, tag::kKnockMeBlack, knock_me_black_);
-  xml::AppendBool(node, tag::kUseKnockMeWhite, use_knock_me_white_);
-  xml::AppendInt(node, tag::kKnockMeWhite, knock_me_white_);
-  xml::AppendInt(node, tag::kCleanBlack, clean_black_);
-  xml::AppendReal(node, tag::kColorBoost, color_boost_);
-  xml::AppendReal(node, tag::kColorBoostBlend, color_boost_blend_);
-  xml::AppendBool(node, tag::kFlatten, flatten_);
-  xml::AppendInt(node, tag::kWhiteUsage, white_usage_);
-  white_mask_.WriteXML(node);
-  white_mask2_.WriteXML(node);
-  xml::AppendReal(node, tag::kWhiteMaxInk, white_max_ink_);
-  xml::AppendInt(node, tag::kChokeWhite, choke_white_);
-  xml::AppendBool(node, tag::kWhiteOpaque, white_opaque_);
-  white_curve_.WriteXML(node);
-  xml::AppendBool(node, tag::kUseClear, use_clear_);
-  xml::AppendReal(node, tag::kClearMaxInk, clear_max_ink_);
-  xml::AppendInt(node, tag::kClearBleed, clear_bleed_);
-  xml::AppendBool(node, tag::kClearOpaque, clear_opaque_);
+  Fields::Table().Write(*this, xml::AppendElement(parent, tag::kOptions));
   return true;
 }
 
 bool CBmpProcessOptions::ReadXML(const pugi::xml_node& node) {
-  int masks = 0;
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, mask_tag::kWhiteMask)) {
-      // The first mask is the one under black, the second the other; files
-      // never hold more, and a third is ignored.
-      if (masks == 0) {
-        white_mask_.ReadXML(child);
-      } else if (masks == 1) {
-        white_mask2_.ReadXML(child);
-      }
-      ++masks;
-      continue;
-    }
-    if (xml::IsNamed(child, tag::kCurveData)) {
-      white_curve_.ReadXML(child);
-      continue;
-    }
-    if (!HasValue(child)) {
-      continue;
-    }
-    if (xml::IsNamed(child, tag::kUsePrimer)) {
-      use_primer_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kPrimerMaxInk)) {
-      primer_max_ink_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kPrimerBleed)) {
-      primer_bleed_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kPrimerPlane)) {
-      primer_plane_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kInvertAlpha)) {
-      invert_alpha_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kPrimeOpaque)) {
-      prime_opaque_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kUseKnockMeBlack)) {
-      use_knock_me_black_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kKnockMeBlack)) {
-      knock_me_black_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kUseKnockMeWhite)) {
-      use_knock_me_white_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kKnockMeWhite)) {
-      knock_me_white_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kCleanBlack)) {
-      clean_black_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kColorBoost)) {
-      color_boost_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kColorBoostBlend)) {
-      color_boost_blend_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kFlatten)) {
-      flatten_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kWhiteUsage)) {
-      white_usage_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kWhiteMaxInk)) {
-      white_max_ink_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kChokeWhite)) {
-      choke_white_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kWhiteOpaque)) {
-      white_opaque_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kUseClear)) {
-      use_clear_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kClearMaxInk)) {
-      clear_max_ink_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kClearBleed)) {
-      clear_bleed_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kClearOpaque)) {
-      clear_opaque_ = xml::ReadBool(child);
-    }
-  }
+  Fields::Table().Read(*this, node, internal::Start::kCurrent);
   return true;
 }
 

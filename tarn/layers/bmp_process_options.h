@@ -73,7 +73,7 @@ class TARN_API CWhiteMask {
   static std::span<const Preset> GetPresets();
 
   // The first preset.
-  CWhiteMask();
+  CWhiteMask() = default;
   explicit CWhiteMask(const Preset& preset);
 
   // Takes the preset's display name and strengths.
@@ -102,11 +102,15 @@ class TARN_API CWhiteMask {
   // Appends a "WhiteMask" element. Always true.
   bool WriteXML(pugi::xml_node parent) const;
   // Reads a "WhiteMask" element over the current values: each child present
-  // and not empty sets its field. Always true.
+  // and not empty sets its field; an element of another name reads nothing.
+  // Always true.
   bool ReadXML(const pugi::xml_node& node);
 
  private:
-  std::wstring display_;
+  struct Fields;  // the field table, in the source file
+
+  // The first preset, "Strong".
+  std::wstring display_ = L"Strong";
   int strength_ = kStrong;
   int light_strength_ = kStrong;
   int dark_strength_ = kStrong;
@@ -130,7 +134,7 @@ class TARN_API CBmpProcessOptions {
   static constexpr const wchar_t* kDefaultPrimerPlane = L"Promoter";
 
   // Every field at its default; both masks the default mask.
-  CBmpProcessOptions();
+  CBmpProcessOptions() = default;
 
   // Every field to its default except the two white masks, which stay as they
   // are; the white curve becomes the identity again.
@@ -225,14 +229,17 @@ class TARN_API CBmpProcessOptions {
   // Reads a "BitmapProcessingOptions" element over the current values: each
   // scalar present and not empty sets its field; the first "WhiteMask" is
   // read into the mask under black, the second into the second mask, further
-  // ones are ignored; "CurveData" replaces the white curve. Always true.
+  // ones are ignored; "CurveData" replaces the white curve. An element of
+  // another name reads nothing. Always true.
   bool ReadXML(const pugi::xml_node& node);
 
  private:
+  struct Fields;  // the field table, in the source file
+
   bool use_primer_ = false;
   double primer_max_ink_ = 100.0;
   int primer_bleed_ = 0;
-  std::wstring primer_plane_;
+  std::wstring primer_plane_ = kDefaultPrimerPlane;
   bool invert_alpha_ = false;
   bool prime_opaque_ = false;
   bool use_knock_me_black_ = false;

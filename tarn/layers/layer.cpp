@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
@@ -40,6 +41,9 @@ constexpr const char* kChannelName = "name";
 
 constexpr const wchar_t* kProcessPlanes[] = {L"Cyan", L"Magenta", L"Yellow", L"Black"};
 constexpr std::wstring_view kWhitePrefix = L"White";
+
+// Fields change only where the file holds a value.
+constexpr internal::Read kKeep = internal::Read::kIfPresentNotEmpty;
 
 bool IsWhiteName(const std::wstring& name) {
   return name.starts_with(kWhitePrefix);
@@ -286,123 +290,120 @@ bool Layer::HasSeparationChannels() const {
   return print_mode_ && !print_mode_->GetSeparations()->GetSepInks().empty();
 }
 
-// --- comparison -----------------------------------------------------------------
+// --- XML ------------------------------------------------------------------------
+
+// A layer is read over its current values: what the file leaves empty or out
+// keeps its value.
+struct Layer::Fields {
+  using R = Layer;
+  using F = internal::Field<R>;
+
+  static void ReadPrintMode(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    auto printMode = std::make_unique<CPrintModeData>();
+    printMode->ReadXML(child);
+    r.print_mode_ = std::move(printMode);
+  }
+  static void WritePrintMode(const R& r, pugi::xml_node& node) {
+    if (r.print_mode_) {
+      r.print_mode_->WriteTarnSection(node);
+    }
+  }
+  // Levels are 0..255; a file's level outside is taken as the nearest.
+  static void ReadFloodLevel(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    if (internal::HasValue(child)) {
+      r.flood_level_ = static_cast<std::uint8_t>(std::clamp(xml::ReadInt(child), 0, 255));
+    }
+  }
+  static void WriteFloodLevel(const R& r, pugi::xml_node& node) {
+    xml::AppendInt(node, tag::kFloodLevel, r.flood_level_);
+  }
+  static void ReadBitmapOptions(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    r.bitmap_options_.ReadXML(child);
+  }
+  static void WriteBitmapOptions(const R& r, pugi::xml_node& node) { r.bitmap_options_.WriteXML(node); }
+  // The planes a file lists replace those held, from its first plane on.
+  static void ReadPlane(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    if (!child.previous_sibling(tag::kPlaneOptions)) {
+      r.planes_.clear();
+    }
+    PlaneOptions plane;
+    plane.ReadXML(child);
+    r.planes_.push_back(std::move(plane));
+  }
+  static void WritePlanes(const R& r, pugi::xml_node& node) {
+    for (const PlaneOptions& plane : r.planes_) {
+      plane.WriteXML(node);
+    }
+  }
+  // The older form gives the planes only when the layer lists none of its own.
+  static void ReadOlderChannels(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    if (!child.parent().child(tag::kPlaneOptions)) {
+      r.ReadChannels(child);
+    }
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        tag::kLayer, {
+                         F::Text(tag::kLayerName, &R::layer_name_).Reads(kKeep),
+                         F::Text(tag::kPrintMode, &R::print_mode_name_).Reads(kKeep),
+                         F::Custom(tags::kPrintModeRoot, &ReadPrintMode, &WritePrintMode),
+                         F::Text(tag::kColorMode, &R::color_model_).Reads(kKeep),
+                         F::Text(tag::kBaseModel, &R::base_model_).Reads(kKeep),
+                         F::UInt(tag::kRepeats, &R::repeats_).Reads(kKeep),
+                         F::UInt(tag::kMirror, &R::mirror_).Reads(kKeep),
+                         F::Custom(tag::kFloodLevel, &ReadFloodLevel, &WriteFloodLevel),
+                         F::Int(tag::kPage, &R::page_).Reads(kKeep),
+                         F::Bool(tag::kExcludeFromPreview, &R::exclude_from_preview_).Reads(kKeep),
+                         F::Bool(tag::kLayerDelayDlg, &R::layer_delay_dlg_).Reads(kKeep),
+                         F::Int(tag::kLayerDelay, &R::layer_delay_).Reads(kKeep),
+                         F::Bool(tag::kTogglePort, &R::toggle_port_).Reads(kKeep),
+                         F::Real(tag::kScaleX, &R::scale_x_).Reads(kKeep),
+                         F::Real(tag::kScaleY, &R::scale_y_).Reads(kKeep),
+                         F::Custom(tag::kBitmapOptions, &ReadBitmapOptions, &WriteBitmapOptions),
+                         F::Custom(tag::kPlaneOptions, &ReadPlane, &WritePlanes),
+                         F::Custom(tag::kChannels, &ReadOlderChannels, nullptr),  // read, never written
+                     });
+    return table;
+  }
+};
 
 bool Layer::operator==(const Layer& other) const {
   const bool samePrintMode = print_mode_ && other.print_mode_ ? *print_mode_ == *other.print_mode_
                                                               : !print_mode_ && !other.print_mode_;
-  return samePrintMode && layer_name_ == other.layer_name_ && repeats_ == other.repeats_ &&
-         mirror_ == other.mirror_ && flood_level_ == other.flood_level_ && page_ == other.page_ &&
-         exclude_from_preview_ == other.exclude_from_preview_ && bitmap_options_ == other.bitmap_options_ &&
-         layer_delay_dlg_ == other.layer_delay_dlg_ && layer_delay_ == other.layer_delay_ &&
-         toggle_port_ == other.toggle_port_ && scale_x_ == other.scale_x_ && scale_y_ == other.scale_y_ &&
-         print_mode_name_ == other.print_mode_name_ && color_model_ == other.color_model_ &&
-         base_model_ == other.base_model_ && planes_ == other.planes_;
+  return samePrintMode && Fields::Table().Equal(*this, other) && flood_level_ == other.flood_level_ &&
+         bitmap_options_ == other.bitmap_options_ && planes_ == other.planes_;
 }
 
-// --- XML ------------------------------------------------------------------------
-
 bool Layer::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, tag::kLayer);
-  xml::AppendText(node, tag::kLayerName, layer_name_);
-  xml::AppendText(node, tag::kPrintMode, print_mode_name_);
-  if (print_mode_) {
-    print_mode_->WriteTarnSection(node);
-  }
-  xml::AppendText(node, tag::kColorMode, color_model_);
-  xml::AppendText(node, tag::kBaseModel, base_model_);
-  xml::AppendUInt(node, tag::kRepeats, repeats_);
-  xml::AppendUInt(node, tag::kMirror, mirror_);
-  xml::AppendInt(node, tag::kFloodLevel, flood_level_);
-  xml::AppendInt(node, tag::kPage, page_);
-  xml::AppendBool(node, tag::kExcludeFromPreview, exclude_from_preview_);
-  xml::AppendBool(node, tag::kLayerDelayDlg, layer_delay_dlg_);
-  xml::AppendInt(node, tag::kLayerDelay, layer_delay_);
-  xml::AppendBool(node, tag::kTogglePort, toggle_port_);
-  xml::AppendReal(node, tag::kScaleX, scale_x_);
-  xml::AppendReal(node, tag::kScaleY, scale_y_);
-  bitmap_options_.WriteXML(node);
-  for (const PlaneOptions& plane : planes_) {
-    plane.WriteXML(node);
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, tag::kLayer));
   return true;
 }
 
 bool Layer::ReadXML(const pugi::xml_node& layerNode, CPrinterData* printer) {
-  using internal::HasValue;
-  pugi::xml_node storedPrintMode;
-  pugi::xml_node channels;
-  std::vector<PlaneOptions> planes;
-  bool namedPrintMode = false;
-
-  for (const pugi::xml_node& child : layerNode.children()) {
-    if (xml::IsNamed(child, tags::kPrintModeRoot)) {
-      storedPrintMode = child;
-    } else if (xml::IsNamed(child, tag::kBitmapOptions)) {
-      bitmap_options_.ReadXML(child);
-    } else if (xml::IsNamed(child, tag::kChannels)) {
-      channels = child;
-    } else if (xml::IsNamed(child, tag::kPlaneOptions)) {
-      PlaneOptions plane;
-      plane.ReadXML(child);
-      planes.push_back(std::move(plane));
-    } else if (!HasValue(child)) {
-      continue;
-    } else if (xml::IsNamed(child, tag::kLayerName)) {
-      layer_name_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kPrintMode)) {
-      print_mode_name_ = xml::ReadText(child);
-      namedPrintMode = true;
-    } else if (xml::IsNamed(child, tag::kColorMode)) {
-      color_model_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kBaseModel)) {
-      base_model_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kRepeats)) {
-      repeats_ = xml::ReadUInt(child);
-    } else if (xml::IsNamed(child, tag::kMirror)) {
-      mirror_ = xml::ReadUInt(child);
-    } else if (xml::IsNamed(child, tag::kFloodLevel)) {
-      // A level outside 0..255 is taken as the nearest level.
-      flood_level_ = static_cast<std::uint8_t>(std::clamp(xml::ReadInt(child), 0, 255));
-    } else if (xml::IsNamed(child, tag::kPage)) {
-      page_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kExcludeFromPreview)) {
-      exclude_from_preview_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kLayerDelayDlg)) {
-      layer_delay_dlg_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kLayerDelay)) {
-      layer_delay_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kTogglePort)) {
-      toggle_port_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kScaleX)) {
-      scale_x_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, tag::kScaleY)) {
-      scale_y_ = xml::ReadReal(child);
-    }
+  if (!Fields::Table().Read(*this, layerNode, internal::Start::kCurrent)) {
+    return true;  // not a layer: nothing to read, and no failure
   }
 
-  // A named print mode is the one stored with the layer (a default one when
-  // nothing is stored). Stored settings under an empty name are read too, so
-  // that a print mode that never had a name survives a save.
-  if (namedPrintMode || storedPrintMode) {
-    auto printMode = std::make_unique<CPrintModeData>();
-    if (storedPrintMode) {
-      printMode->ReadXML(storedPrintMode);
-    }
-    printMode->SetName(print_mode_name_);
-    print_mode_ = std::move(printMode);
+  // A named print mode is the one stored with the layer, a default one when
+  // nothing is stored. Settings stored under an empty name are read too (by
+  // the table), so that a print mode that never had a name survives a save.
+  bool named = false;
+  for (const pugi::xml_node& child : layerNode.children(tag::kPrintMode)) {
+    named = named || internal::HasValue(child);
+  }
+  const bool stored = static_cast<bool>(layerNode.child(tags::kPrintModeRoot));
+  if (named && !stored) {
+    print_mode_ = std::make_unique<CPrintModeData>();
+  }
+  if ((named || stored) && print_mode_) {
+    print_mode_->SetName(print_mode_name_);
   }
 
-  const bool heldPlanes = channels || !planes.empty();
-  if (channels) {
-    ReadChannels(channels);
-  }
-  if (!planes.empty()) {
-    planes_ = std::move(planes);
-  }
+  const bool listed = layerNode.child(tag::kPlaneOptions) || layerNode.child(tag::kChannels);
   if (printer != nullptr && print_mode_) {
     const CColorDef* definition = ColorDefinition(*print_mode_, *printer);
-    if (definition != nullptr && (!heldPlanes || planes_.empty())) {
+    if (definition != nullptr && (!listed || planes_.empty())) {
       RebuildPlanes(definition->GetPlanes(), nullptr);
     }
     UpdatePlanesAllKeyWords(*printer);

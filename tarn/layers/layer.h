@@ -158,13 +158,16 @@ class TARN_API Layer {
   // absent or empty elements leave their fields; a stored print mode replaces
   // the layer's; the planes come from "PlaneOptions" children, else from an
   // older "Channels" element, else (given a printer) from the print mode's
-  // colour model. Never fails: true for any node.
+  // colour model. An element of another name reads nothing. Never fails:
+  // true for any node.
   bool ReadXML(const pugi::xml_node& layerNode, CPrinterData* printer);
   // Appends a "Layer" element to parent, the print mode's sections inside it.
   // Always true.
   bool WriteXML(pugi::xml_node parent) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   void RebuildPlanes(const std::vector<std::wstring>& names, const std::vector<PlaneOptions>* previous);
   void UpdatePlanesAllKeyWords(const CPrinterData& printer);
   void ReadChannels(const pugi::xml_node& channels);

@@ -1,9 +1,9 @@
 #include "tarn/layers/plane_options.h"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
-#include "tarn/foundation/text.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/layers/internal/layer_xml.h"
 
@@ -31,6 +31,9 @@ constexpr const char* kName = "name";
 constexpr const char* kSynonym = "Synonym";
 constexpr const char* kSubstitute = "Substitute";
 }  // namespace plane_tag
+
+// Plane settings change only where the file holds a value.
+constexpr internal::Read kKeep = internal::Read::kIfPresentNotEmpty;
 
 using internal::HasValue;
 
@@ -77,45 +80,39 @@ bool PlaneOptions::IsGray() const {
   return name_ == L"Gray";
 }
 
+// Every setting of a plane is read only when its element holds a value: an
+// empty or absent one keeps what the plane had.
+struct PlaneOptions::Fields {
+  using R = PlaneOptions;
+  using F = internal::Field<R>;
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(tag::kPlaneOptions,
+                                               {
+                                                   F::Text(tag::kName, &R::name_).Reads(kKeep),
+                                                   F::Bool(tag::kEnabled, &R::enabled_).Reads(kKeep),
+                                                   F::Bool(tag::kFlood, &R::flood_).Reads(kKeep),
+                                                   F::Int(tag::kChoke, &R::choke_).Reads(kKeep),
+                                                   F::Text(tag::kSubstitute, &R::substitute_).Reads(kKeep),
+                                                   F::Int(tag::kXShift, &R::x_shift_).Reads(kKeep),
+                                                   F::Int(tag::kYShift, &R::y_shift_).Reads(kKeep),
+                                               });
+    return table;
+  }
+};
+
 bool PlaneOptions::HasSameSettings(const PlaneOptions& other) const {
-  return name_ == other.name_ && enabled_ == other.enabled_ && flood_ == other.flood_ &&
-         choke_ == other.choke_ && substitute_ == other.substitute_ && x_shift_ == other.x_shift_ &&
-         y_shift_ == other.y_shift_;
+  return Fields::Table().Equal(*this, other);
 }
 
 bool PlaneOptions::ReadXML(const pugi::xml_node& node) {
-  for (const pugi::xml_node& child : node.children()) {
-    if (!HasValue(child)) {
-      continue;
-    }
-    if (xml::IsNamed(child, tag::kName)) {
-      name_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kEnabled)) {
-      enabled_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kFlood)) {
-      flood_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kChoke)) {
-      choke_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kSubstitute)) {
-      substitute_ = xml::ReadText(child);
-    } else if (xml::IsNamed(child, tag::kXShift)) {
-      x_shift_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kYShift)) {
-      y_shift_ = xml::ReadInt(child);
-    }
-  }
+  // Over the current settings, as they stand in the file (the setters'
+  // flood/choke rule is not applied); an element of another name reads nothing.
+  Fields::Table().Read(*this, node, internal::Start::kCurrent);
   return true;
 }
 
 bool PlaneOptions::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, tag::kPlaneOptions);
-  xml::AppendText(node, tag::kName, name_);
-  xml::AppendBool(node, tag::kEnabled, enabled_);
-  xml::AppendBool(node, tag::kFlood, flood_);
-  xml::AppendInt(node, tag::kChoke, choke_);
-  xml::AppendText(node, tag::kSubstitute, substitute_);
-  xml::AppendInt(node, tag::kXShift, x_shift_);
-  xml::AppendInt(node, tag::kYShift, y_shift_);
+  Fields::Table().Write(*this, xml::AppendElement(parent, tag::kPlaneOptions));
   return true;
 }
 
@@ -144,12 +141,34 @@ void PlanesOptions::GetSubstitutes(std::vector<std::wstring>& out) const {
   }
 }
 
-bool PlanesOptions::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, tag::kPlanesOptions);
-  xml::AppendBool(node, tag::kEnabled, enabled_);
-  for (const PlaneOptions& plane : planes_) {
-    plane.WriteXML(node);
+struct PlanesOptions::Fields {
+  using R = PlanesOptions;
+  using F = internal::Field<R>;
+
+  // Planes read are appended to those held: callers gather lists so.
+  static void ReadPlane(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    PlaneOptions plane;
+    plane.ReadXML(child);
+    r.planes_.push_back(std::move(plane));
   }
+  static void WritePlanes(const R& r, pugi::xml_node& node) {
+    for (const PlaneOptions& plane : r.planes_) {
+      plane.WriteXML(node);
+    }
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(tag::kPlanesOptions,
+                                               {
+                                                   F::Bool(tag::kEnabled, &R::enabled_),
+                                                   F::Custom(tag::kPlaneOptions, &ReadPlane, &WritePlanes),
+                                               });
+    return table;
+  }
+};
+
+bool PlanesOptions::WriteXML(pugi::xml_node parent) const {
+  Fields::Table().Write(*this, xml::AppendElement(parent, tag::kPlanesOptions));
   return true;
 }
 
@@ -162,18 +181,8 @@ bool PlanesOptions::WritePFXML(pugi::xml_node parent) const {
 }
 
 bool PlanesOptions::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, tag::kPlanesOptions)) {
-    return true;
-  }
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, tag::kEnabled)) {
-      enabled_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, tag::kPlaneOptions)) {
-      PlaneOptions plane;
-      plane.ReadXML(child);
-      planes_.push_back(plane);
-    }
-  }
+  // An element of another name reads nothing, and that is no failure.
+  Fields::Table().Read(*this, node, internal::Start::kCurrent);
   return true;
 }
 
@@ -185,7 +194,7 @@ bool PlanesOptions::ReadXML(const std::wstring& text) {
 }
 
 bool PlanesOptions::operator==(const PlanesOptions& other) const {
-  return enabled_ == other.enabled_ && level_ == other.level_ && planes_ == other.planes_;
+  return Fields::Table().Equal(*this, other) && level_ == other.level_ && planes_ == other.planes_;
 }
 
 // --- PlaneMapping -------------------------------------------------------------

@@ -98,12 +98,15 @@ class TARN_API PlaneOptions {
 
   // Reads a "PlaneOptions" element over the current settings: each child that
   // is present and not empty sets its field, others leave it. The setters'
-  // invariant is not applied, so a file is read as it stands. Always true.
+  // invariant is not applied, so a file is read as it stands. An element of
+  // another name reads nothing. Always true.
   bool ReadXML(const pugi::xml_node& node);
   // Appends a "PlaneOptions" element to parent. Always true.
   bool WriteXML(pugi::xml_node parent) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   std::wstring name_;
   bool enabled_ = false;
   bool flood_ = false;
@@ -163,6 +166,8 @@ class TARN_API PlanesOptions {
   bool operator==(const PlanesOptions& other) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   CBaseData* owner_ = nullptr;
   bool enabled_ = false;
   int level_ = kFullLevel;

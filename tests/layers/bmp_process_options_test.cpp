@@ -73,6 +73,7 @@ TEST(WhiteMask, PresetsAndTheNarrowComparison) {
   const auto presets = CWhiteMask::GetPresets();
   ASSERT_EQ(presets.size(), 2u);
   EXPECT_TRUE(SameMask(CWhiteMask(), Mask(L"Strong", -1, -1, -1, -1, 100)));
+  EXPECT_TRUE(SameMask(CWhiteMask(), CWhiteMask(presets[0])));
   EXPECT_TRUE(CWhiteMask().IsStrongMask());
   EXPECT_FALSE(CWhiteMask().IsManualCurve());
 
