@@ -120,12 +120,6 @@ bool Layer::SetPrintMode(const CPrintModeData& printMode, CPrinterData* printer,
   }
   const bool changed = colorMode != color_model_;
 
-  // previous may be this layer: take its planes before they are rebuilt.
-  std::vector<PlaneOptions> previousPlanes;
-  if (previous != nullptr) {
-    previousPlanes = previous->planes_;
-  }
-
   if (&printMode != print_mode_.get()) {
     print_mode_ = std::make_unique<CPrintModeData>(printMode);
   }
@@ -134,6 +128,11 @@ bool Layer::SetPrintMode(const CPrintModeData& printMode, CPrinterData* printer,
   base_model_ = definition->GetBaseModel();
   if (!changed) {
     return true;
+  }
+  // previous may be this layer: take its planes before they are rebuilt.
+  std::vector<PlaneOptions> previousPlanes;
+  if (previous != nullptr) {
+    previousPlanes = previous->planes_;
   }
   RebuildPlanes(definition->GetPlanes(), previous != nullptr ? &previousPlanes : nullptr);
   UpdatePlanesAllKeyWords(*printer);
