@@ -84,14 +84,9 @@ TEST(WhiteMask, PresetsAndTheNarrowComparison) {
   EXPECT_TRUE(renamed.IsManualCurve());
   EXPECT_FALSE(renamed.IsStrongMask());
 
-  // Only the first strength decides the kind; each strength counts for equality.
+  // Only the first strength decides the kind; the others still count for equality.
   EXPECT_TRUE(Mask(L"", -1, 10, 10, 10, 10).IsStrongMask());
-  const CWhiteMask base = Mask(L"", 1, 2, 3, 4, 5);
-  EXPECT_FALSE(base == Mask(L"", 9, 2, 3, 4, 5));
-  EXPECT_FALSE(base == Mask(L"", 1, 9, 3, 4, 5));
-  EXPECT_FALSE(base == Mask(L"", 1, 2, 9, 4, 5));
-  EXPECT_FALSE(base == Mask(L"", 1, 2, 3, 9, 5));
-  EXPECT_FALSE(base == Mask(L"", 1, 2, 3, 4, 9));
+  EXPECT_FALSE(Mask(L"", 1, 2, 3, 4, 5) == Mask(L"", 1, 2, 3, 4, 9));
 }
 
 TEST(WhiteMaskXml, ReadsOverTheCurrentValues) {
@@ -147,7 +142,7 @@ TEST(BmpProcessOptions, OnlyRealProcessingCountsAsProcessing) {
   }
 }
 
-TEST(BmpProcessOptions, WhiteUsageAnswersOneQuestionEach) {
+TEST(BmpProcessOptions, EachWhiteUsageAnswersOneQuestion) {
   CBmpProcessOptions options;
   for (int usage = 0; usage <= 4; ++usage) {
     options.SetWhiteUsage(usage);
@@ -155,10 +150,6 @@ TEST(BmpProcessOptions, WhiteUsageAnswersOneQuestionEach) {
     EXPECT_EQ(options.HasHighlight(), usage == 2) << usage;
     EXPECT_EQ(options.HasCoverage(), usage == 3) << usage;
   }
-  options.SetColorBoost(1.0);
-  EXPECT_FALSE(options.HasColorBoost());
-  options.SetColorBoost(1.01);
-  EXPECT_TRUE(options.HasColorBoost());
 }
 
 TEST(BmpProcessOptions, SetToDefaultKeepsTheMasks) {
