@@ -23,7 +23,7 @@ std::string Written(const tarn::Layer& layer) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pugi::xml_document document;
   if (!tarn::xml::LoadDocumentFromBuffer(
-          document, std::string_view(reinterpret_cast<const char*>(data), size), "Layer")) {
+          document, std::string_view(reinterpret_cast<const char*>(data), size), tarn::Layer::kElementName)) {
     return 0;
   }
   tarn::Layer layer;
@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text = Written(layer);
 
   pugi::xml_document reread;
-  if (!tarn::xml::LoadDocumentFromBuffer(reread, text, "Layer")) {
+  if (!tarn::xml::LoadDocumentFromBuffer(reread, text, tarn::Layer::kElementName)) {
     std::abort();
   }
   tarn::Layer again;

@@ -19,7 +19,7 @@ constexpr const char* kLastPointStrength = "LastPointStrength";
 }  // namespace mask_tag
 
 namespace tag {
-constexpr const char* kOptions = "BitmapProcessingOptions";
+constexpr const char* kOptions = CBmpProcessOptions::kElementName;
 constexpr const char* kUsePrimer = "UsePrimer";
 constexpr const char* kPrimerMaxInk = "PrimerMaxInk";
 constexpr const char* kPrimerBleed = "PrimerBleed";

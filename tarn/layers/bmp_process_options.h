@@ -129,6 +129,9 @@ enum WhiteUsage : int {
 // The bitmap processing options of one layer.
 class TARN_API CBmpProcessOptions {
  public:
+  // Element name of the options.
+  static constexpr const char* kElementName = "BitmapProcessingOptions";
+
   // The primer plane a new record names: the plane by which a layer knows its
   // prime channel.
   static constexpr const wchar_t* kDefaultPrimerPlane = L"Promoter";

@@ -17,7 +17,7 @@ namespace tarn {
 namespace {
 
 namespace tag {
-constexpr const char* kLayer = "Layer";
+constexpr const char* kLayer = Layer::kElementName;
 constexpr const char* kLayerName = "LayerName";
 constexpr const char* kPrintMode = "PrintMode";
 constexpr const char* kColorMode = "ColorMode";
@@ -32,8 +32,8 @@ constexpr const char* kLayerDelay = "LayerDelay";
 constexpr const char* kTogglePort = "TogglePort";
 constexpr const char* kScaleX = "ScaleX";
 constexpr const char* kScaleY = "ScaleY";
-constexpr const char* kBitmapOptions = "BitmapProcessingOptions";
-constexpr const char* kPlaneOptions = "PlaneOptions";
+constexpr const char* kBitmapOptions = CBmpProcessOptions::kElementName;
+constexpr const char* kPlaneOptions = PlaneOptions::kElementName;
 constexpr const char* kChannels = "Channels";
 constexpr const char* kChannelEnabled = "enabled";
 constexpr const char* kChannelName = "name";

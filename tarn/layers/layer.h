@@ -46,6 +46,9 @@ class CPrinterData;
 
 class TARN_API Layer {
  public:
+  // Element name of a layer.
+  static constexpr const char* kElementName = "Layer";
+
   // The default name, translated when a layer is made.
   static constexpr const wchar_t* kDefaultName = L"(*v*)Color Layer";
 

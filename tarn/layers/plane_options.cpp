@@ -12,7 +12,7 @@ namespace {
 
 // Tags of a plane's settings and of a plane list.
 namespace tag {
-constexpr const char* kPlaneOptions = "PlaneOptions";
+constexpr const char* kPlaneOptions = PlaneOptions::kElementName;
 constexpr const char* kName = "Name";
 constexpr const char* kEnabled = "Enabled";
 constexpr const char* kFlood = "Flood";

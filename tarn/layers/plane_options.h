@@ -53,6 +53,9 @@ class CBaseData;
 // other; the setters keep it so.
 class TARN_API PlaneOptions {
  public:
+  // Element name of a plane's settings.
+  static constexpr const char* kElementName = "PlaneOptions";
+
   // No name, disabled, no flood, choke, substitute or shift.
   PlaneOptions() = default;
   // A plane named by SetName: enabled, standing in for itself.
