@@ -408,6 +408,12 @@ TEST_F(LayerXml, ReadingReplacesThePrintModeButKeepsWhatTheFileLacks) {
   EXPECT_EQ(layer.GetScaleX(), 2.5);
   EXPECT_EQ(layer.GetFloodLevel(), 255);
   EXPECT_EQ(layer.GetNumberOfChannels(), 6u);  // no printer: the planes stay
+
+  // Another element, even one differing only in case, reads nothing.
+  const Layer before = layer;
+  layer = ReadBack("<layer><LayerName>x</LayerName><PrintMode>y.pmx</PrintMode></layer>", &printer_, layer);
+  EXPECT_TRUE(layer == before);
+  EXPECT_EQ(layer.GetLayerName(), L"Underbase & <white>");
 }
 
 TEST_F(LayerXml, OlderChannelsFormGivesThePlanes) {
