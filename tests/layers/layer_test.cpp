@@ -126,11 +126,11 @@ TEST_F(LayerTest, CopiesOwnTheirOwnPrintMode) {
 
 TEST_F(LayerTest, SetPrintModeRefusesWithoutAPrinterOrItsColourModel) {
   Layer layer = WithPlanes({Plane(L"Cyan", false, L"x")});
-  const Layer before = layer;
+  const Layer unchanged = layer;
   EXPECT_FALSE(layer.SetPrintMode(PrintMode(L"A.pmx", L"CMYKW"), nullptr, nullptr));
   EXPECT_FALSE(layer.SetPrintMode(PrintMode(L"A.pmx", L"CMYKWX"), &printer_, nullptr));
   EXPECT_FALSE(layer.SetPrintMode(PrintMode(L"A.pmx", L""), &printer_, nullptr));
-  EXPECT_TRUE(layer == before);
+  EXPECT_TRUE(layer == unchanged);
   EXPECT_TRUE(layer.GetPlanes()[0].HasSameSettings(before.GetPlanes()[0]));
   EXPECT_TRUE(layer.GetColorModel().empty());
 }
@@ -410,9 +410,9 @@ TEST_F(LayerXml, ReadingReplacesThePrintModeButKeepsWhatTheFileLacks) {
   EXPECT_EQ(layer.GetNumberOfChannels(), 6u);  // no printer: the planes stay
 
   // Another element, even one differing only in case, reads nothing.
-  const Layer before = layer;
+  const Layer unchanged = layer;
   layer = ReadBack("<layer><LayerName>x</LayerName><PrintMode>y.pmx</PrintMode></layer>", &printer_, layer);
-  EXPECT_TRUE(layer == before);
+  EXPECT_TRUE(layer == unchanged);
   EXPECT_EQ(layer.GetLayerName(), L"Underbase & <white>");
 }
 
