@@ -131,7 +131,7 @@ TEST_F(LayerTest, SetPrintModeRefusesWithoutAPrinterOrItsColourModel) {
   EXPECT_FALSE(layer.SetPrintMode(PrintMode(L"A.pmx", L"CMYKWX"), &printer_, nullptr));
   EXPECT_FALSE(layer.SetPrintMode(PrintMode(L"A.pmx", L""), &printer_, nullptr));
   EXPECT_TRUE(layer == unchanged);
-  EXPECT_TRUE(layer.GetPlanes()[0].HasSameSettings(before.GetPlanes()[0]));
+  EXPECT_TRUE(layer.GetPlanes()[0].HasSameSettings(unchanged.GetPlanes()[0]));
   EXPECT_TRUE(layer.GetColorModel().empty());
 }
 
