@@ -325,15 +325,9 @@ struct Layer::Fields {
     if (!child.previous_sibling(tag::kPlaneOptions)) {
       r.planes_.clear();
     }
-    PlaneOptions plane;
-    plane.ReadXML(child);
-    r.planes_.push_back(std::move(plane));
+    internal::AppendPlane(r.planes_, child);
   }
-  static void WritePlanes(const R& r, pugi::xml_node& node) {
-    for (const PlaneOptions& plane : r.planes_) {
-      plane.WriteXML(node);
-    }
-  }
+  static void WritePlanes(const R& r, pugi::xml_node& node) { internal::WritePlanes(r.planes_, node); }
   // The older form gives the planes only when the layer lists none of its own.
   static void ReadOlderChannels(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     if (!child.parent().child(tag::kPlaneOptions)) {

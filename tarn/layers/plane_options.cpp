@@ -147,15 +147,9 @@ struct PlanesOptions::Fields {
 
   // Planes read are appended to those held: callers gather lists so.
   static void ReadPlane(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
-    PlaneOptions plane;
-    plane.ReadXML(child);
-    r.planes_.push_back(std::move(plane));
+    internal::AppendPlane(r.planes_, child);
   }
-  static void WritePlanes(const R& r, pugi::xml_node& node) {
-    for (const PlaneOptions& plane : r.planes_) {
-      plane.WriteXML(node);
-    }
-  }
+  static void WritePlanes(const R& r, pugi::xml_node& node) { internal::WritePlanes(r.planes_, node); }
 
   static const internal::FieldTable<R>& Table() {
     static const internal::FieldTable<R> table(tag::kPlanesOptions,
