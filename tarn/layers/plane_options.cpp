@@ -1,7 +1,6 @@
 #include "tarn/layers/plane_options.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/xml.h"
