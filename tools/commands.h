@@ -24,8 +24,13 @@ int ShowPrinterDefinition(const std::string& file);
 // The "printer definition" lines of tarn info FILE.pmx: the driver and where
 // its definition was found, looking in the folders above the print mode.
 void ShowPrintModePrinter(const std::string& file, const std::wstring& driver);
+// The RIP folder of a print mode file: the nearest folder above it whose
+// System/printers holds the definition named driver; empty when none does.
+// definition (when given) receives the definition's path.
+std::wstring FindRipFolder(const std::string& file, const std::wstring& driver, std::wstring* definition);
 int RunList(const Arguments& args);
 int RunCurves(const Arguments& args);
+int RunPostscript(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
