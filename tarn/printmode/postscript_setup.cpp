@@ -49,20 +49,20 @@ constexpr std::array<LevelTable, 6> kLevelTables = {{
     {L"hex2", 6},
 }};
 
-// Appends one table value as printf's "%2.2x" would, without the cost of a
-// format call per value (a set-up holds thousands of them).
-void AppendHex(std::wstring& out, std::uint8_t value) {
-  static constexpr wchar_t kDigits[] = L"0123456789abcdef";
-  out.push_back(kDigits[value >> 4]);
-  out.push_back(kDigits[value & 0x0f]);
-}
-
-// 256 values, 32 a line, each line ended by lineEnd.
+// 256 values as printf's "%2.2x" would write them, 32 a line, each line
+// ended by lineEnd. Built in place and appended once: a set-up holds
+// thousands of values, and a format call per value would dominate its cost.
 void AppendTable(std::wstring& out, const Table& table, std::wstring_view lineEnd) {
+  static constexpr wchar_t kDigits[] = L"0123456789abcdef";
+  const size_t start = out.size();
+  const size_t lineLength = 64 + lineEnd.size();
+  out.resize(start + 8 * lineLength);
+  wchar_t* at = out.data() + start;
   for (size_t i = 0; i < table.size(); ++i) {
-    AppendHex(out, table[i]);
+    *at++ = kDigits[table[i] >> 4];
+    *at++ = kDigits[table[i] & 0x0f];
     if (i % 32 == 31) {
-      out.append(lineEnd);
+      at = std::copy(lineEnd.begin(), lineEnd.end(), at);
     }
   }
 }
@@ -245,7 +245,7 @@ void CPostscriptSetup::WritePostscriptSection() {
 }
 
 void CPostscriptSetup::WritePostscriptSection(const CPrinterData& printer) {
-  text_.str().reserve(text_.length() + 8192);
+  text_.str().reserve(text_.length() + 16384);
   WritePrinterSelect();
   WriteLevelTransferCurves();
   WriteSeparationCurves(&printer);
@@ -355,8 +355,17 @@ bool CPostscriptSetup::HasSeparationTable(const std::wstring& planeName, const C
     return false;
   }
   const CPMCurveData* curve = SeparationCurve(*mode_.GetSeparations(), planeName);
-  Table table;
-  return curve != nullptr && SeparationValues(*curve, planeName, table);
+  if (curve == nullptr) {
+    return false;
+  }
+  // Tone 0 is the highest density: a curve that reaches it reaches every
+  // tone, so one evaluation tells whether the whole table can be written.
+  try {
+    curve->GetCurveValue(0.0, false);
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
 }
 
 std::wstring CPostscriptSetup::WriteTClipProc(const std::wstring& planeName, const CPrinterData& printer) const {
