@@ -31,6 +31,8 @@ demo: release
 	@echo
 	build/release/tools/tarn curves $(EXAMPLE_MODE) -o build/curves.svg
 	@echo "== the curves of $(EXAMPLE_MODE) are drawn in build/curves.svg"
+	build/release/tools/tarn postscript $(EXAMPLE_MODE) -o build/setup.ps
+	@echo "== its PostScript set-up is in build/setup.ps"
 
 asan: deps
 	cmake --preset asan-ubsan
