@@ -452,8 +452,11 @@ void CPostscriptSetup::WriteHalftone(const CPrinterData* printer) {
   text_.Append(L"{\r\n");
   text_.Append(L"/thePlate exch def /thePlateFound false def\r\n");
   for (const CPMHalftoneOption& screen : screens) {
+    // The separation name is tested as a string: escaped, any name keeps it whole.
+    CPMHalftoneOption line = screen;
+    line.SetName(EscapeString(screen.GetName()));
     text_.Append(L"thePlate ");
-    screen.AppendDSCPostscript(text_, plain);
+    line.AppendDSCPostscript(text_, plain);
   }
   const CPMHalftoneOption fallback = ScreenFor(halftones, L"Spot");
   text_.AppendFormat(L"thePlateFound not {%d %.4f statusdict /%s get setscreen} if\r\n",

@@ -264,6 +264,19 @@ TEST_F(PostscriptInterpreterTest, HexachromeWithOptions) {
   RunAndCompare(mode, "hexachrome");
 }
 
+TEST_F(PostscriptInterpreterTest, PlaneNamesThatAreNotPostScriptNames) {
+  CPrintModeData mode;
+  mode.SetDriver(L"Chroma6");
+  mode.SetPrinterX(L"Chroma (6) \\ spots");
+  CPrinterData chroma;
+  ASSERT_TRUE(chroma.LoadPrinter(L"Chroma6"));
+  ASSERT_TRUE(mode.ResetSeparationData(L"CMYK+Spots", &chroma));
+  mode.GetSeparations()->GetChannel(L"Spot (1)", 0u)->MakeLinear(0.25);
+  mode.GetHalftones()->SetIsUsed(true);
+  mode.GetHalftones()->GetHalftoneOption(std::wstring(L"Spot"))->SetAngle(15.0);
+  RunAndCompare(mode, "spot inks");
+}
+
 TEST_F(PostscriptInterpreterTest, InvertFlipsEveryTableOnce) {
   CPrintModeData mode;
   mode.SetInvert(true);
