@@ -21,42 +21,14 @@ int Usage() {
 int RunCurves(const Arguments& args) {
   std::string input;
   std::string output;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "-o") {
-      if (i + 1 == args.size() || !output.empty()) {
-        return Usage();
-      }
-      output = args[++i];
-    } else if (input.empty()) {
-      input = args[i];
-    } else {
-      return Usage();
-    }
-  }
-  if (input.empty()) {
+  if (!ReadFileAndOutput(args, input, output)) {
     return Usage();
   }
-  const std::wstring path = FromUtf8(input);
-  if (!FileExists(path)) {
-    return Fail("no such file: " + input);
-  }
   CPrintModeData mode;
-  SetMessageHandler([](const std::wstring&, const std::wstring&) {});  // the failure below says it all
-  const bool loaded = mode.LoadXMLPrintMode(path);
-  SetMessageHandler({});
-  if (!loaded) {
-    return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
+  if (const int status = LoadPrintModeFile(input, mode); status != kExitOk) {
+    return status;
   }
-  const std::string svg = PlotCurvesSVG(mode);
-  if (output.empty()) {
-    std::fwrite(svg.data(), 1, svg.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!WriteFileAtomically(FromUtf8(output), svg, &error)) {
-    return Fail("cannot write " + output + ": " + ToUtf8(error));
-  }
-  return kExitOk;
+  return WriteOutput(output, PlotCurvesSVG(mode));
 }
 
 }  // namespace tarn::tool

@@ -21,38 +21,20 @@ int Usage() {
 int RunPostscript(const Arguments& args) {
   std::string input;
   std::string output;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "-o") {
-      if (i + 1 == args.size() || !output.empty()) {
-        return Usage();
-      }
-      output = args[++i];
-    } else if (input.empty()) {
-      input = args[i];
-    } else {
-      return Usage();
-    }
-  }
-  if (input.empty()) {
+  if (!ReadFileAndOutput(args, input, output)) {
     return Usage();
   }
-  const std::wstring path = FromUtf8(input);
-  if (!FileExists(path)) {
-    return Fail("no such file: " + input);
-  }
   CPrintModeData mode;
-  SetMessageHandler([](const std::wstring&, const std::wstring&) {});  // the failure below says it all
-  const bool loaded = mode.LoadXMLPrintMode(path);
-  SetMessageHandler({});
-  if (!loaded) {
-    return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
+  if (const int status = LoadPrintModeFile(input, mode); status != kExitOk) {
+    return status;
   }
 
   // The printer definition comes from the RIP folder the print mode lives in.
   CPrinterData printer;
   const std::wstring ripFolder = FindRipFolder(input, mode.GetDriver(), nullptr);
   if (ripFolder.empty()) {
-    std::fprintf(stderr, "tarn: warning: printer definition '%s' not found above %s; set-up written without it\n",
+    std::fprintf(stderr,
+                 "tarn: warning: printer definition '%s' not found above %s; set-up written without it\n",
                  ToUtf8(mode.GetDriver()).c_str(), input.c_str());
   } else {
     const std::wstring saved = GetTarnRipFolder();
@@ -60,23 +42,15 @@ int RunPostscript(const Arguments& args) {
     const bool found = printer.LoadPrinter(mode.GetDriver());
     SetTarnRipSystemRoot(saved.c_str());
     if (!found) {
-      std::fprintf(stderr, "tarn: warning: printer definition '%s' cannot be read; set-up written without it\n",
+      std::fprintf(stderr,
+                   "tarn: warning: printer definition '%s' cannot be read; set-up written without it\n",
                    ToUtf8(mode.GetDriver()).c_str());
     }
   }
 
   CPostscriptSetup setup(mode);
   setup.WritePostscriptSection(printer);
-  const std::string bytes = setup.GetBytes();
-  if (output.empty()) {
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!WriteFileAtomically(FromUtf8(output), bytes, &error)) {
-    return Fail("cannot write " + output + ": " + ToUtf8(error));
-  }
-  return kExitOk;
+  return WriteOutput(output, setup.GetBytes());
 }
 
 }  // namespace tarn::tool

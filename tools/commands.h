@@ -4,7 +4,12 @@
 // program and command names) and returns the process exit code.
 
 #include <string>
+#include <string_view>
 #include <vector>
+
+namespace tarn {
+class CPrintModeData;
+}
 
 namespace tarn::tool {
 
@@ -34,6 +39,13 @@ int RunPostscript(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
+
+// Reads the arguments "FILE [-o OUT]"; false for anything else.
+bool ReadFileAndOutput(const Arguments& args, std::string& input, std::string& output);
+// Loads the print mode file; kExitOk, or the exit code after its failure line.
+int LoadPrintModeFile(const std::string& file, CPrintModeData& mode);
+// Writes bytes to output (atomically), or to stdout when output is empty.
+int WriteOutput(const std::string& output, std::string_view bytes);
 
 // Exit codes.
 inline constexpr int kExitOk = 0;

@@ -18,7 +18,8 @@ const Command kCommands[] = {
     {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
     {"curves", "curves FILE [-o OUT.svg]", "draw the transfer and separation curves of a print mode as SVG",
      RunCurves},
-    {"postscript", "postscript FILE [-o OUT.ps]", "write the PostScript set-up of a print mode", RunPostscript},
+    {"postscript", "postscript FILE [-o OUT.ps]", "write the PostScript set-up of a print mode",
+     RunPostscript},
 };
 
 void PrintHelp() {

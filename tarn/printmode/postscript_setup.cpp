@@ -49,6 +49,16 @@ constexpr std::array<LevelTable, 6> kLevelTables = {{
     {L"hex2", 6},
 }};
 
+// Every block opens with "% -- Name --" and closes with "% -- End Name --",
+// each line after an empty one.
+void OpenBlock(formatstringT& out, std::wstring_view name) {
+  out.Append(L"\r\n% -- ").Append(name).Append(L" --\r\n");
+}
+
+void CloseBlock(formatstringT& out, std::wstring_view name) {
+  out.Append(L"\r\n% -- End ").Append(name).Append(L" --\r\n");
+}
+
 // 256 values as printf's "%2.2x" would write them, 32 a line, each line
 // ended by lineEnd. Built in place and appended once: a set-up holds
 // thousands of values, and a format call per value would dominate its cost.
@@ -155,7 +165,8 @@ std::wstring EscapeString(std::wstring_view text) {
 }
 
 bool IsProcessPlate(const std::wstring& plate) {
-  return plate == L"Cyan" || plate == L"Magenta" || plate == L"Yellow" || plate == L"Black" || plate == L"Gray";
+  return plate == L"Cyan" || plate == L"Magenta" || plate == L"Yellow" || plate == L"Black" ||
+         plate == L"Gray";
 }
 
 // The separation curve of a plane: the channel that carries the plane's own
@@ -209,8 +220,8 @@ CPMHalftoneOption ScreenFor(const CPMHalftoneData& halftones, const std::wstring
 }
 
 bool SameScreen(const CPMHalftoneOption& a, const CPMHalftoneOption& b) {
-  return static_cast<int>(a.GetFrequency()) == static_cast<int>(b.GetFrequency()) && a.GetAngle() == b.GetAngle() &&
-         a.GetShape() == b.GetShape();
+  return static_cast<int>(a.GetFrequency()) == static_cast<int>(b.GetFrequency()) &&
+         a.GetAngle() == b.GetAngle() && a.GetShape() == b.GetShape();
 }
 
 // Appends "<< ... >>" of a screen without its "/Plate <<" opening line.
@@ -218,7 +229,8 @@ void AppendScreenBody(formatstringT& out, const CPMHalftoneOption& screen) {
   formatstringT entry;
   screen.AppendHFTPostscript(entry);
   const size_t firstLineEnd = entry.str().find(L'\n');
-  out.Append(std::wstring_view(entry.str()).substr(firstLineEnd == std::wstring::npos ? 0 : firstLineEnd + 1));
+  out.Append(
+      std::wstring_view(entry.str()).substr(firstLineEnd == std::wstring::npos ? 0 : firstLineEnd + 1));
 }
 
 }  // namespace
@@ -259,12 +271,12 @@ void CPostscriptSetup::WritePostscriptSection(const CPrinterData& printer) {
 }
 
 void CPostscriptSetup::WritePrinterSelect() {
-  text_.Append(L"\r\n% -- Printer Selection --\r\n");
+  OpenBlock(text_, L"Printer Selection");
   text_.Append(kCrLf);
   text_.Append(L"(%StartUp%) currentdevparams (");
   text_.Append(EscapeString(mode_.GetPrinterX()));
   text_.Append(L") statusdict begin _selectprinter end\r\n");
-  text_.Append(L"\r\n% -- End Printer Selection --\r\n");
+  CloseBlock(text_, L"Printer Selection");
 }
 
 const CPMCurveData* CPostscriptSetup::LevelCurve(unsigned planeIndex) const {
@@ -284,11 +296,12 @@ std::wstring CPostscriptSetup::WriteLevelCurve(unsigned planeIndex) const {
 }
 
 void CPostscriptSetup::WriteLevelTransferCurves() {
-  text_.Append(L"\r\n% -- Level Transfer Curves --\r\n");
+  OpenBlock(text_, L"Level Transfer Curves");
   text_.Append(kCrLf);
   text_.Append(L"userdict begin\r\n\r\n");
   text_.Append(
-      L"/settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer get "
+      L"/settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer "
+      L"get "
       L"exec} def\r\n\r\n");
   for (const LevelTable& table : kLevelTables) {
     text_.AppendFormat(L"/%stransfertable <\r\n", table.name);
@@ -297,7 +310,7 @@ void CPostscriptSetup::WriteLevelTransferCurves() {
   }
   text_.Append(L"\r\nend\r\n");
   // "Curvers" is how the RIP's readers of the set-up find the block's end.
-  text_.Append(L"\r\n% -- End Level Transfer Curvers --\r\n");
+  CloseBlock(text_, L"Level Transfer Curvers");
 }
 
 std::wstring CPostscriptSetup::SeparationTableName(const std::wstring& planeName) {
@@ -341,12 +354,12 @@ void CPostscriptSetup::WriteSeparationCurves(const CPrinterData* printer) {
   if (printer == nullptr) {
     return;
   }
-  text_.Append(L"\r\n% -- Separation Curves --\r\n");
+  OpenBlock(text_, L"Separation Curves");
   text_.Append(kCrLf);
   text_.Append(L"userdict begin\r\n\r\n");
   text_.Append(WriteSepChannels(*printer));
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End Separation Curves --\r\n");
+  CloseBlock(text_, L"Separation Curves");
 }
 
 bool CPostscriptSetup::HasSeparationTable(const std::wstring& planeName, const CPrinterData& printer) const {
@@ -368,7 +381,8 @@ bool CPostscriptSetup::HasSeparationTable(const std::wstring& planeName, const C
   return true;
 }
 
-std::wstring CPostscriptSetup::WriteTClipProc(const std::wstring& planeName, const CPrinterData& printer) const {
+std::wstring CPostscriptSetup::WriteTClipProc(const std::wstring& planeName,
+                                              const CPrinterData& printer) const {
   if (!HasSeparationTable(planeName, printer)) {
     // No table to read: the plane passes unclipped.
     return Format(L"      /%s [{}]\r\n", planeName);
@@ -376,8 +390,8 @@ std::wstring CPostscriptSetup::WriteTClipProc(const std::wstring& planeName, con
   const std::wstring table = SeparationTableName(planeName);
   if (table == L"gray" && planeName != L"Gray") {
     // Black reads the gray table; the entry names the colorant it comes from.
-    return Format(L"      /%s [ /%s {255 mul round cvi %sseparation exch get 255 div}]\r\n", planeName, L"Gray",
-                  table);
+    return Format(L"      /%s [ /%s {255 mul round cvi %sseparation exch get 255 div}]\r\n", planeName,
+                  L"Gray", table);
   }
   return Format(L"      /%s [{255 mul round cvi %sseparation exch get 255 div}]\r\n", planeName, table);
 }
@@ -387,7 +401,7 @@ void CPostscriptSetup::WriteNColor(const CPrinterData* printer) {
     return;
   }
   const bool hexachrome = IsHexachrome(mode_, *printer);
-  text_.Append(L"\r\n% -- Level Transfer Functions --\r\n");
+  OpenBlock(text_, L"Level Transfer Functions");
   text_.Append(kCrLf);
   text_.Append(L"printer_desc begin\r\n\r\n");
   text_.Append(L"  /NColor <<\r\n");
@@ -419,7 +433,7 @@ void CPostscriptSetup::WriteNColor(const CPrinterData* printer) {
   text_.Append(L"\r\nuserdict begin\r\n");
   text_.Append(L"  $Disable-Screen\r\n");
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End Level Transfer Functions --\r\n");
+  CloseBlock(text_, L"Level Transfer Functions");
 }
 
 void CPostscriptSetup::WriteHalftone(const CPrinterData* printer) {
@@ -427,16 +441,17 @@ void CPostscriptSetup::WriteHalftone(const CPrinterData* printer) {
     return;
   }
   const CPMHalftoneData& halftones = *mode_.GetHalftones();
-  text_.Append(L"\r\n% -- Halftone Screening --\r\n");
+  OpenBlock(text_, L"Halftone Screening");
   if (!halftones.GetIsUsed()) {
     // The print mode keeps the RIP's own screens.
-    text_.Append(L"\r\n% -- End Halftone Screening --\r\n");
+    CloseBlock(text_, L"Halftone Screening");
     return;
   }
-  text_.Append(L"\r\n% -- Max Super Screen --\r\n%\r\n");
+  OpenBlock(text_, L"Max Super Screen");
+  text_.Append(L"%\r\n");
   text_.Append(halftones.GetUseSuperCell() ? L"  <</MaxSuperScreen 1024>> setuserparams\r\n"
                                            : L"  <</MaxSuperScreen 0>> setuserparams\r\n");
-  text_.Append(L"\r\n% -- End Max Super Screen --\r\n");
+  CloseBlock(text_, L"Max Super Screen");
 
   std::vector<CPMHalftoneOption> screens;
   for (const std::wstring& plate : HalftonePlates(mode_, *printer)) {
@@ -481,8 +496,9 @@ void CPostscriptSetup::WriteHalftone(const CPrinterData* printer) {
     if (screen.GetPlate() == L"Black" || !IsPostScriptName(screen.GetPlate())) {
       continue;
     }
-    const auto same = std::find_if(written.begin(), written.end(),
-                                   [&screen](const CPMHalftoneOption* other) { return SameScreen(*other, screen); });
+    const auto same = std::find_if(written.begin(), written.end(), [&screen](const CPMHalftoneOption* other) {
+      return SameScreen(*other, screen);
+    });
     if (same != written.end()) {
       text_.AppendFormat(L"      /%s /%s\r\n", screen.GetPlate(), (*same)->GetPlate());
     } else {
@@ -504,7 +520,7 @@ void CPostscriptSetup::WriteHalftone(const CPrinterData* printer) {
     }
     text_.Append(L"end\r\n");
   }
-  text_.Append(L"\r\n% -- End Halftone Screening --\r\n");
+  CloseBlock(text_, L"Halftone Screening");
 }
 
 void CPostscriptSetup::WritePrinterOptions(const CPrinterData* printer) {
@@ -512,7 +528,7 @@ void CPostscriptSetup::WritePrinterOptions(const CPrinterData* printer) {
     return;
   }
   const CPMPrinterOptionsData& options = *mode_.GetPrinterOptions();
-  text_.Append(L"\r\n% -- Printer Options --\r\n");
+  OpenBlock(text_, L"Printer Options");
   text_.Append(kCrLf);
   const std::wstring resolution = options.GetResolutionName();
   if (!resolution.empty()) {
@@ -530,7 +546,7 @@ void CPostscriptSetup::WritePrinterOptions(const CPrinterData* printer) {
       text_.AppendFormat(L"%s %s\r\n", value, key);
     }
   }
-  text_.Append(L"\r\n% -- End Printer Options --\r\n");
+  CloseBlock(text_, L"Printer Options");
 }
 
 // --- further blocks -------------------------------------------------------
@@ -544,7 +560,7 @@ void CPostscriptSetup::WriteSaturation() {
   // projection (weights of linear RGB), s = 1 keeps colours, s = 0 greys them.
   const double s = saturation / 100.0;
   constexpr std::array<double, 3> kLuminance = {0.3086, 0.6094, 0.0820};
-  text_.Append(L"\r\n% -- Saturation / Hue --\r\n");
+  OpenBlock(text_, L"Saturation / Hue");
   text_.Append(L"\r\nuserdict begin\r\n");
   text_.Append(L"  /imagecolmatrix [\r\n");
   for (int row = 0; row < 3; ++row) {
@@ -556,7 +572,7 @@ void CPostscriptSetup::WriteSaturation() {
   }
   text_.Append(L"  ] def\r\n");
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End Saturation / Hue --\r\n");
+  CloseBlock(text_, L"Saturation / Hue");
 }
 
 void CPostscriptSetup::WriteMaxInk(formatstringT& buffer, unsigned size, bool images, bool table) const {
@@ -569,7 +585,7 @@ void CPostscriptSetup::WriteMaxInk(formatstringT& buffer, unsigned size, bool im
   const double limit = old ? maxInk.GetOldMaxInk() : maxInk.GetValueB();
   const double imageLimit = old ? maxInk.GetOldMaxInk() : maxInk.GetValueC();
   const double knee = old ? 0.0 : std::clamp(maxInk.GetValueA(), 0.0, CPMMaxInkData::kFullInk);
-  buffer.Append(L"\r\n% -- MaxInk --\r\n");
+  OpenBlock(buffer, L"MaxInk");
   buffer.Append(L"\r\nuserdict begin\r\n");
   buffer.AppendFormat(L"   /MaxInk %f def\r\n", limit);
   if (images) {
@@ -593,25 +609,25 @@ void CPostscriptSetup::WriteMaxInk(formatstringT& buffer, unsigned size, bool im
     buffer.Append(L"  ] def\r\n");
   }
   buffer.Append(L"end\r\n");
-  buffer.Append(L"\r\n% -- End MaxInk --\r\n");
+  CloseBlock(buffer, L"MaxInk");
 }
 
 void CPostscriptSetup::WriteMirror() {
   if (!mode_.GetMirror()) {
     return;
   }
-  text_.Append(L"\r\n% -- Mirror --\r\n");
+  OpenBlock(text_, L"Mirror");
   text_.Append(L"\r\nuserdict begin\r\n");
   text_.Append(L"  DefaultCTM.Mirror\r\n");
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End Mirror --\r\n");
+  CloseBlock(text_, L"Mirror");
 }
 
 void CPostscriptSetup::WriteInvert() {
   if (!mode_.GetInvert()) {
     return;
   }
-  text_.Append(L"\r\n% -- Invert --\r\n");
+  OpenBlock(text_, L"Invert");
   text_.Append(L"\r\n userdict /?Invert? known not\r\n");
   text_.Append(L"{\r\n");
   text_.Append(L"  /?Invert? true def\r\n");
@@ -628,7 +644,7 @@ void CPostscriptSetup::WriteInvert() {
     }
   }
   text_.Append(L"} if\r\n");
-  text_.Append(L"\r\n% -- End Invert --\r\n");
+  CloseBlock(text_, L"Invert");
 }
 
 void CPostscriptSetup::WriteICC(const CPrinterData* printer) {
@@ -636,7 +652,7 @@ void CPostscriptSetup::WriteICC(const CPrinterData* printer) {
   if (printer == nullptr || !icc.IsEnabled()) {
     return;
   }
-  text_.Append(L"\r\n% -- ICC Profiles --\r\n");
+  OpenBlock(text_, L"ICC Profiles");
   text_.Append(L"\r\nuserdict begin\r\n");
   text_.Append(L"  /clinks <<\r\n");
   text_.Append(L"    /Root (%Lumascript%clinks)\r\n");
@@ -659,7 +675,7 @@ void CPostscriptSetup::WriteICC(const CPrinterData* printer) {
   }
   text_.Append(L"  >> def\r\n");
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End ICC Profiles --\r\n");
+  CloseBlock(text_, L"ICC Profiles");
 }
 
 void CPostscriptSetup::WriteImageSampling() {
@@ -668,11 +684,11 @@ void CPostscriptSetup::WriteImageSampling() {
     return;
   }
   // Sampling is the percentage of the image's resolution the RIP keeps.
-  text_.Append(L"\r\n% -- Image Sampling --\r\n");
+  OpenBlock(text_, L"Image Sampling");
   text_.Append(kCrLf);
   text_.AppendFormat(L"<< /Password() /IntermediateScale %f >> setsystemparams\r\n", sampling / 100.0);
   text_.AppendFormat(L"%d ImageSampling\r\n", sampling);
-  text_.Append(L"\r\n% -- End Image Sampling --\r\n");
+  CloseBlock(text_, L"Image Sampling");
 }
 
 void CPostscriptSetup::WriteSharpenBlur() {
@@ -681,10 +697,10 @@ void CPostscriptSetup::WriteSharpenBlur() {
     return;
   }
   // Blur is negative sharpening: a blur of 25 is a sharpen of -0.25.
-  text_.Append(L"\r\n% -- Sharpen Blur --\r\n");
+  OpenBlock(text_, L"Sharpen Blur");
   text_.Append(kCrLf);
   text_.AppendFormat(L"<< /Password() /Sharpen %f >> setsystemparams\r\n", -blur / 100.0);
-  text_.Append(L"\r\n% -- End Sharpen Blur --\r\n");
+  CloseBlock(text_, L"Sharpen Blur");
 }
 
 void CPostscriptSetup::FencePointArray(formatstringT& text, int low, int high) {
@@ -700,7 +716,7 @@ void CPostscriptSetup::WriteFencePoints() {
   if (!fences.GetEnabled() || fences.GetColorMap().empty()) {
     return;
   }
-  text_.Append(L"\r\n% -- Fence Points Setup --\r\n");
+  OpenBlock(text_, L"Fence Points Setup");
   text_.Append(L"\r\nuserdict begin\r\n");
   // Each ink's fence profile is a file of the RIP's writable folder named
   // after its four levels, three digits each.
@@ -720,7 +736,7 @@ void CPostscriptSetup::WriteFencePoints() {
   FencePointArray(text_, fences.GetTDLow(), fences.GetTDHigh());
   text_.Append(L"> def\r\n");
   text_.Append(L"end\r\n");
-  text_.Append(L"\r\n% -- End Fence Points Setup --\r\n");
+  CloseBlock(text_, L"Fence Points Setup");
 }
 
 // --- PDF forms of the level curves ------------------------------------------

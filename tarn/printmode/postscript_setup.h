@@ -15,7 +15,8 @@
 //
 //   userdict begin
 //
-//   /settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer get exec} def
+//   /settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer get
+//   exec} def
 //
 //   /graytransfertable <
 //   0001020304050607...              (32 values a line, eight lines)

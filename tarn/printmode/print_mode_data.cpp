@@ -347,8 +347,9 @@ bool CPrintModeData::SavePrintMode(const wchar_t* folder, bool postscript) {
   const std::wstring path = target + name_;
   if (postscript && NativePath(path) == NativePath(full_path_)) {
     // The set-up would replace the print mode it was written from.
-    ShowMessage(Format(L"The PostScript set-up of \"%s\" cannot be written over the print mode itself.", name_),
-                kErrorCaption);
+    ShowMessage(
+        Format(L"The PostScript set-up of \"%s\" cannot be written over the print mode itself.", name_),
+        kErrorCaption);
     return false;
   }
   SetNormalAttributes(path);

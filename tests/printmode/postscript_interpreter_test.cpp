@@ -38,14 +38,14 @@ struct GhostscriptRun {
   std::string output;  // standard output and error together
 };
 
-GhostscriptRun RunGhostscript(const test::TempFolder& folder, const std::string& setup, const std::string& check) {
+GhostscriptRun RunGhostscript(const test::TempFolder& folder, const std::string& setup,
+                              const std::string& check) {
   test::WriteBytes(folder.path() / "setup.ps", setup);
   test::WriteBytes(folder.path() / "check.ps", check);
-  const std::string command = "gs -dNODISPLAY -dBATCH -dNOPAUSE -dSAFER -q \"" +
-                              test::DataFile("postscript/rip_stub.ps").string() + "\" \"" +
-                              (folder.path() / "setup.ps").string() + "\" \"" +
-                              (folder.path() / "check.ps").string() + "\" >\"" +
-                              (folder.path() / "out").string() + "\" 2>&1";
+  const std::string command =
+      "gs -dNODISPLAY -dBATCH -dNOPAUSE -dSAFER -q \"" + test::DataFile("postscript/rip_stub.ps").string() +
+      "\" \"" + (folder.path() / "setup.ps").string() + "\" \"" + (folder.path() / "check.ps").string() +
+      "\" >\"" + (folder.path() / "out").string() + "\" 2>&1";
   const int raw = std::system(command.c_str());
   GhostscriptRun run;
   run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
@@ -79,7 +79,8 @@ std::string CheckScript(const std::vector<std::string>& tables, bool screens) {
   }
   check +=
       "printer_desc /NColor get /TProcs get { 0.5 exch exec pop } forall\n"
-      "printer_desc /NColor get /ClippingTProcs get { exch pop dup length 1 sub get 0.5 exch exec pop } forall\n";
+      "printer_desc /NColor get /ClippingTProcs get { exch pop dup length 1 sub get 0.5 exch exec pop } "
+      "forall\n";
   if (screens) {
     check += "(Cyan) PlateColor (No such plate) PlateColor\n";
   }
@@ -107,7 +108,8 @@ std::vector<int> ExpectedLevels(const CPMCurveData& curve, unsigned plane) {
 std::vector<int> ExpectedSeparation(const CPMCurveData& curve) {
   std::vector<int> values;
   for (int i = 0; i < 256; ++i) {
-    values.push_back(static_cast<int>(std::clamp(std::floor(curve.GetCurveValue(i, false) + 0.5), 0.0, 255.0)));
+    values.push_back(
+        static_cast<int>(std::clamp(std::floor(curve.GetCurveValue(i, false) + 0.5), 0.0, 255.0)));
   }
   return values;
 }
@@ -176,7 +178,8 @@ class PostscriptInterpreterTest : public ::testing::Test {
             break;
           }
         }
-        expected[ToUtf8(CPostscriptSetup::SeparationTableName(plane)) + "separation"] = ExpectedSeparation(*curve);
+        expected[ToUtf8(CPostscriptSetup::SeparationTableName(plane)) + "separation"] =
+            ExpectedSeparation(*curve);
       }
     }
     std::vector<std::string> names;
@@ -184,7 +187,8 @@ class PostscriptInterpreterTest : public ::testing::Test {
       names.push_back(entry.first);
     }
 
-    const GhostscriptRun run = RunGhostscript(rip_, setup.GetBytes(), CheckScript(names, mode.GetHalftones()->GetIsUsed()));
+    const GhostscriptRun run =
+        RunGhostscript(rip_, setup.GetBytes(), CheckScript(names, mode.GetHalftones()->GetIsUsed()));
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_EQ(run.output.find("Error"), std::string::npos) << run.output;
     EXPECT_NE(run.output.find("DONE"), std::string::npos) << run.output;
@@ -290,8 +294,9 @@ TEST_F(PostscriptInterpreterTest, InvertFlipsEveryTableOnce) {
   // Run twice: the guard keeps the second run from flipping back.
   setup.WriteInvert();
   setup.WriteInvert();
-  const GhostscriptRun run = RunGhostscript(
-      rip_, setup.GetBytes(), "(TABLE red) = userdict /redtransfertable get { = } forall (END) =\n(DONE) =\n");
+  const GhostscriptRun run =
+      RunGhostscript(rip_, setup.GetBytes(),
+                     "(TABLE red) = userdict /redtransfertable get { = } forall (END) =\n(DONE) =\n");
   ASSERT_EQ(run.status, 0) << run.output;
   std::vector<int> inverted;
   for (int v : ExpectedLevels(half, 1)) {

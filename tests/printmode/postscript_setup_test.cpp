@@ -93,6 +93,18 @@ class PostscriptSetupTest : public ::testing::Test {
   CPrinterData chroma_;
 };
 
+TEST_F(PostscriptSetupTest, WritersGivenNoPrinterWriteNothing) {
+  CPrintModeData mode = Mode(L"Hexa6", L"CMYK", hexa_);
+  mode.GetHalftones()->SetIsUsed(true);
+  CPostscriptSetup setup(mode);
+  setup.WriteSeparationCurves(nullptr);
+  setup.WriteNColor(nullptr);
+  setup.WriteHalftone(nullptr);
+  setup.WritePrinterOptions(nullptr);
+  setup.WriteICC(nullptr);
+  EXPECT_EQ(setup.GetText(), L"");
+}
+
 TEST_F(PostscriptSetupTest, PrinterSelectionNamesThePrinterInAString) {
   CPrintModeData mode;
   mode.SetPrinterX(L"Hexa 6");
@@ -116,15 +128,16 @@ TEST_F(PostscriptSetupTest, LevelTransferCurvesOfADefaultPrintMode) {
   setup.WriteLevelTransferCurves();
   const std::wstring identity = IdentityTable();
   std::wstring gray = identity;
-  EXPECT_EQ(setup.GetText(),
-            L"\r\n% -- Level Transfer Curves --\r\n\r\nuserdict begin\r\n\r\n"
-            L"/settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer "
-            L"get exec} def\r\n\r\n"
-            L"/graytransfertable <\r\n" +
-                gray + L"> def\r\n/redtransfertable <\r\n" + identity +
-                L"> def\r\n/greentransfertable <\r\n" + identity + L"> def\r\n/bluetransfertable <\r\n" + identity +
-                L"> def\r\n/hex1transfertable <\r\n" + identity + L"> def\r\n/hex2transfertable <\r\n" + identity +
-                L"> def\r\n\r\nend\r\n\r\n% -- End Level Transfer Curvers --\r\n");
+  EXPECT_EQ(
+      setup.GetText(),
+      L"\r\n% -- Level Transfer Curves --\r\n\r\nuserdict begin\r\n\r\n"
+      L"/settransfer {systemdict /currentcolortransfer get exec pop 4 -1 roll systemdict /setcolortransfer "
+      L"get exec} def\r\n\r\n"
+      L"/graytransfertable <\r\n" +
+          gray + L"> def\r\n/redtransfertable <\r\n" + identity + L"> def\r\n/greentransfertable <\r\n" +
+          identity + L"> def\r\n/bluetransfertable <\r\n" + identity + L"> def\r\n/hex1transfertable <\r\n" +
+          identity + L"> def\r\n/hex2transfertable <\r\n" + identity +
+          L"> def\r\n\r\nend\r\n\r\n% -- End Level Transfer Curvers --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, LevelTablesRoundAndPinTheirEnds) {
@@ -177,7 +190,8 @@ TEST_F(PostscriptSetupTest, OneCurveForAllPlanesAndMissingCurves) {
   transfers.SetUseAll(false);
   transfers.ClearData();
   pugi::xml_document document;
-  ASSERT_TRUE(document.load_string("<CURVEDATA type=\"1\"><DATA_FLEXIBLE>0.5, 0.5;</DATA_FLEXIBLE></CURVEDATA>"));
+  ASSERT_TRUE(
+      document.load_string("<CURVEDATA type=\"1\"><DATA_FLEXIBLE>0.5, 0.5;</DATA_FLEXIBLE></CURVEDATA>"));
   CPMCurveData onePoint;
   onePoint.ReadXML(document.first_child());
   transfers.SetCurve(2, onePoint, 0);
@@ -205,21 +219,20 @@ TEST_F(PostscriptSetupTest, SeparationTablesFollowTheColourModel) {
       cyan += L"\r\n";
     }
   }
-  EXPECT_EQ(setup.GetText(), L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\n"
-                             L"/cyanseparation <\r\n" +
-                                 cyan + L"> def\r\n\r\n/magentaseparation <\r\n" + identity +
-                                 L"> def\r\n\r\n/yellowseparation <\r\n" + identity +
-                                 L"> def\r\n\r\n/grayseparation <\r\n" + identity +
-                                 L"> def\r\n\r\nend\r\n\r\n% -- End Separation Curves --\r\n");
+  EXPECT_EQ(setup.GetText(),
+            L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\n"
+            L"/cyanseparation <\r\n" +
+                cyan + L"> def\r\n\r\n/magentaseparation <\r\n" + identity +
+                L"> def\r\n\r\n/yellowseparation <\r\n" + identity + L"> def\r\n\r\n/grayseparation <\r\n" +
+                identity + L"> def\r\n\r\nend\r\n\r\n% -- End Separation Curves --\r\n");
 
-  // Without a printer nothing; with an empty printer an empty block.
+  // A printer that did not load: an empty block.
   CPostscriptSetup none(mode);
-  none.WriteSeparationCurves(nullptr);
-  EXPECT_EQ(none.GetText(), L"");
   const CPrinterData emptyPrinter;
   none.WriteSeparationCurves(&emptyPrinter);
-  EXPECT_EQ(none.GetText(), L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\nend\r\n"
-                            L"\r\n% -- End Separation Curves --\r\n");
+  EXPECT_EQ(none.GetText(),
+            L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\nend\r\n"
+            L"\r\n% -- End Separation Curves --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, SeparationCurveNamesAndGrayPlanes) {
@@ -275,10 +288,6 @@ TEST_F(PostscriptSetupTest, NColorProceduresForFourColours) {
             L"  $Disable-Screen\r\n"
             L"end\r\n"
             L"\r\n% -- End Level Transfer Functions --\r\n");
-
-  CPostscriptSetup none(mode);
-  none.WriteNColor(nullptr);
-  EXPECT_EQ(none.GetText(), L"");
 }
 
 TEST_F(PostscriptSetupTest, HexachromeHasSixProceduresAndClipsItsExtraPlanes) {
@@ -319,15 +328,19 @@ TEST_F(PostscriptSetupTest, HalftoneScreeningOfAUsedSection) {
       L"\r\nuserdict begin\r\n"
       L"/PlateColor\r\n{\r\n"
       L"/thePlate exch def /thePlateFound false def\r\n"
-      L"thePlate (Cyan) eq {userdict begin $Enable-Screen end /thePlateFound true def 133 108.0000 statusdict "
+      L"thePlate (Cyan) eq {userdict begin $Enable-Screen end /thePlateFound true def 133 108.0000 "
+      L"statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
-      L"thePlate (Magenta) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 90.0000 statusdict "
+      L"thePlate (Magenta) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 90.0000 "
+      L"statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
-      L"thePlate (Yellow) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 161.0000 statusdict "
+      L"thePlate (Yellow) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 161.0000 "
+      L"statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
       L"thePlate (Black) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 45.0000 statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
-      L"thePlate (Orange) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 45.0000 statusdict "
+      L"thePlate (Orange) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 45.0000 "
+      L"statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
       L"thePlate (Green) eq {userdict begin $Enable-Screen end /thePlateFound true def 60 45.0000 statusdict "
       L"/EuclideanSmallEllipse get setscreen userdict begin $Disable-Screen end} if\r\n"
@@ -385,20 +398,19 @@ TEST_F(PostscriptSetupTest, HalftoneChoicesFollowTheSectionSwitches) {
   const std::wstring& text = setup.GetText();
   EXPECT_NE(text.find(L"  <</MaxSuperScreen 0>> setuserparams\r\n"), std::wstring::npos);
   // The job may set screens: plain dispatch lines, and screens left enabled.
-  EXPECT_NE(text.find(L"thePlate (Cyan) eq {/thePlateFound true def 60 108.0000 statusdict /Round get setscreen} if\r\n"),
-            std::wstring::npos);
+  EXPECT_NE(
+      text.find(
+          L"thePlate (Cyan) eq {/thePlateFound true def 60 108.0000 statusdict /Round get setscreen} if\r\n"),
+      std::wstring::npos);
   EXPECT_NE(text.find(L"\r\nuserdict begin\r\n  $Enable-Screen\r\nend\r\n"), std::wstring::npos);
   EXPECT_EQ(text.find(L"$Disable-Spotfunction"), std::wstring::npos);
   // Inks other than the process plates take the spot screen; equal screens share one entry.
   EXPECT_NE(text.find(L"thePlate (Orange) eq {/thePlateFound true def 60 75.0000 statusdict /Round get"),
             std::wstring::npos);
-  EXPECT_NE(text.find(L"thePlateFound not {60 75.0000 statusdict /Round get setscreen} if\r\n"), std::wstring::npos);
+  EXPECT_NE(text.find(L"thePlateFound not {60 75.0000 statusdict /Round get setscreen} if\r\n"),
+            std::wstring::npos);
   EXPECT_NE(text.find(L"      /Orange <<\r\n"), std::wstring::npos);
   EXPECT_NE(text.find(L"      /Green /Orange\r\n"), std::wstring::npos);
-
-  CPostscriptSetup none(mode);
-  none.WriteHalftone(nullptr);
-  EXPECT_EQ(none.GetText(), L"");
 }
 
 TEST_F(PostscriptSetupTest, PrinterOptionsAreValueFirstAndSkipResolutionAndColorPlane) {
@@ -425,11 +437,9 @@ TEST_F(PostscriptSetupTest, PrinterOptionsAreValueFirstAndSkipResolutionAndColor
   const CPrinterData emptyPrinter;
   CPostscriptSetup empty(mode);
   empty.WritePrinterOptions(&emptyPrinter);
-  EXPECT_EQ(empty.GetText(),
-            L"\r\n% -- Printer Options --\r\n\r\n600 x 600\r\nHexachrome\r\n\r\n% -- End Printer Options --\r\n");
-  CPostscriptSetup none(mode);
-  none.WritePrinterOptions(nullptr);
-  EXPECT_EQ(none.GetText(), L"");
+  EXPECT_EQ(
+      empty.GetText(),
+      L"\r\n% -- Printer Options --\r\n\r\n600 x 600\r\nHexachrome\r\n\r\n% -- End Printer Options --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, TheSetupRunsTheBlocksInOrderAndEndsWithTheTrailer) {
@@ -439,10 +449,10 @@ TEST_F(PostscriptSetupTest, TheSetupRunsTheBlocksInOrderAndEndsWithTheTrailer) {
   setup.WritePostscriptSection();
   const std::wstring& text = setup.GetText();
   size_t at = 0;
-  for (const wchar_t* line : {L"% -- Printer Selection --", L"% -- Level Transfer Curves --",
-                              L"% -- End Level Transfer Curvers --", L"% -- Separation Curves --",
-                              L"% -- Level Transfer Functions --", L"% -- Halftone Screening --",
-                              L"% -- Printer Options --", L"% -- End Printer Options --\r\nSpecial Kestrel job"}) {
+  for (const wchar_t* line :
+       {L"% -- Printer Selection --", L"% -- Level Transfer Curves --", L"% -- End Level Transfer Curvers --",
+        L"% -- Separation Curves --", L"% -- Level Transfer Functions --", L"% -- Halftone Screening --",
+        L"% -- Printer Options --", L"% -- End Printer Options --\r\nSpecial Kestrel job"}) {
     const size_t found = text.find(line, at);
     ASSERT_NE(found, std::wstring::npos) << ToUtf8(line);
     at = found;
@@ -471,7 +481,8 @@ TEST_F(PostscriptSetupTest, TheSetupRunsTheBlocksInOrderAndEndsWithTheTrailer) {
   CPostscriptSetup orphan(mode);
   orphan.WritePostscriptSection();
   EXPECT_EQ(Block(orphan.GetText(), L"Separation Curves"),
-            L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\nend\r\n\r\n% -- End Separation Curves --\r\n");
+            L"\r\n% -- Separation Curves --\r\n\r\nuserdict begin\r\n\r\nend\r\n\r\n% -- End Separation "
+            L"Curves --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, TheSetupIsEightBitText) {
@@ -497,7 +508,6 @@ TEST_F(PostscriptSetupTest, FurtherBlocksAreWrittenOnlyWhenTheirSettingIsInUse) 
   setup.WriteImageSampling();
   setup.WriteSharpenBlur();
   setup.WriteFencePoints();
-  setup.WriteICC(nullptr);
   EXPECT_EQ(setup.GetText(), L"");
   EXPECT_EQ(maxInk.str(), L"");
 }
@@ -511,38 +521,44 @@ TEST_F(PostscriptSetupTest, MirrorInvertAndImageBlocks) {
   mode.GetImageAdjust()->SetBlur(25);
   CPostscriptSetup setup(mode);
   setup.WriteMirror();
-  EXPECT_EQ(setup.GetText(), L"\r\n% -- Mirror --\r\n\r\nuserdict begin\r\n  DefaultCTM.Mirror\r\nend\r\n"
-                             L"\r\n% -- End Mirror --\r\n");
+  EXPECT_EQ(setup.GetText(),
+            L"\r\n% -- Mirror --\r\n\r\nuserdict begin\r\n  DefaultCTM.Mirror\r\nend\r\n"
+            L"\r\n% -- End Mirror --\r\n");
   setup.Clear();
 
   setup.WriteInvert();
   const std::wstring& invert = setup.GetText();
-  EXPECT_TRUE(invert.starts_with(L"\r\n% -- Invert --\r\n\r\n userdict /?Invert? known not\r\n{\r\n"
-                                 L"  /?Invert? true def\r\n"
-                                 L"  userdict /graytransfertable known { 0 1 255 { dup graytransfertable exch get 255 "
-                                 L"exch sub graytransfertable 3 1 roll put } for } if\r\n"));
+  EXPECT_TRUE(invert.starts_with(
+      L"\r\n% -- Invert --\r\n\r\n userdict /?Invert? known not\r\n{\r\n"
+      L"  /?Invert? true def\r\n"
+      L"  userdict /graytransfertable known { 0 1 255 { dup graytransfertable exch get 255 "
+      L"exch sub graytransfertable 3 1 roll put } for } if\r\n"));
   // The hex2 extra table is filled from the red extra table, as the RIP has always done.
-  EXPECT_NE(invert.find(L"  userdict /hex2extratransfertable known { 0 1 255 { dup redextratransfertable exch get 255 "
-                        L"exch sub hex2extratransfertable 3 1 roll put } for } if\r\n} if\r\n"),
-            std::wstring::npos);
+  EXPECT_NE(
+      invert.find(
+          L"  userdict /hex2extratransfertable known { 0 1 255 { dup redextratransfertable exch get 255 "
+          L"exch sub hex2extratransfertable 3 1 roll put } for } if\r\n} if\r\n"),
+      std::wstring::npos);
   EXPECT_NE(invert.find(L"{ dup hex2transfertable exch get"), std::wstring::npos);
   setup.Clear();
 
   // Saturation 0: every row is the luminance projection.
   setup.WriteSaturation();
-  EXPECT_EQ(setup.GetText(), L"\r\n% -- Saturation / Hue --\r\n\r\nuserdict begin\r\n  /imagecolmatrix [\r\n"
-                             L"  0.308600 0.609400 0.082000\r\n  0.308600 0.609400 0.082000\r\n"
-                             L"  0.308600 0.609400 0.082000\r\n  ] def\r\nend\r\n"
-                             L"\r\n% -- End Saturation / Hue --\r\n");
+  EXPECT_EQ(setup.GetText(),
+            L"\r\n% -- Saturation / Hue --\r\n\r\nuserdict begin\r\n  /imagecolmatrix [\r\n"
+            L"  0.308600 0.609400 0.082000\r\n  0.308600 0.609400 0.082000\r\n"
+            L"  0.308600 0.609400 0.082000\r\n  ] def\r\nend\r\n"
+            L"\r\n% -- End Saturation / Hue --\r\n");
   setup.Clear();
 
   setup.WriteImageSampling();
   setup.WriteSharpenBlur();
-  EXPECT_EQ(setup.GetText(), L"\r\n% -- Image Sampling --\r\n\r\n"
-                             L"<< /Password() /IntermediateScale 0.500000 >> setsystemparams\r\n50 ImageSampling\r\n"
-                             L"\r\n% -- End Image Sampling --\r\n"
-                             L"\r\n% -- Sharpen Blur --\r\n\r\n<< /Password() /Sharpen -0.250000 >> setsystemparams\r\n"
-                             L"\r\n% -- End Sharpen Blur --\r\n");
+  EXPECT_EQ(setup.GetText(),
+            L"\r\n% -- Image Sampling --\r\n\r\n"
+            L"<< /Password() /IntermediateScale 0.500000 >> setsystemparams\r\n50 ImageSampling\r\n"
+            L"\r\n% -- End Image Sampling --\r\n"
+            L"\r\n% -- Sharpen Blur --\r\n\r\n<< /Password() /Sharpen -0.250000 >> setsystemparams\r\n"
+            L"\r\n% -- End Sharpen Blur --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, MaxInkLimitsAndTheirTable) {
@@ -556,17 +572,19 @@ TEST_F(PostscriptSetupTest, MaxInkLimitsAndTheirTable) {
   formatstringT text;
   setup.WriteMaxInk(text, 5, true, true);
   // Up to A unchanged; from A to 400 % compressed onto B.
-  EXPECT_EQ(text.str(), L"\r\n% -- MaxInk --\r\n\r\nuserdict begin\r\n"
-                        L"   /MaxInk 300.000000 def\r\n   /MaxImageInk 250.000000 def\r\n"
-                        L"  /InkLimit [\r\n\r\n  0.000 0.250 0.500 0.625 0.750\r\n  ] def\r\n"
-                        L"end\r\n\r\n% -- End MaxInk --\r\n");
+  EXPECT_EQ(text.str(),
+            L"\r\n% -- MaxInk --\r\n\r\nuserdict begin\r\n"
+            L"   /MaxInk 300.000000 def\r\n   /MaxImageInk 250.000000 def\r\n"
+            L"  /InkLimit [\r\n\r\n  0.000 0.250 0.500 0.625 0.750\r\n  ] def\r\n"
+            L"end\r\n\r\n% -- End MaxInk --\r\n");
 
   // The old single limit stands for all of them.
   maxInk.SetOldMaxInk(320.0);
   formatstringT old;
   setup.WriteMaxInk(old, 0, false, true);
-  EXPECT_EQ(old.str(), L"\r\n% -- MaxInk --\r\n\r\nuserdict begin\r\n   /MaxInk 320.000000 def\r\nend\r\n"
-                       L"\r\n% -- End MaxInk --\r\n");
+  EXPECT_EQ(old.str(),
+            L"\r\n% -- MaxInk --\r\n\r\nuserdict begin\r\n   /MaxInk 320.000000 def\r\nend\r\n"
+            L"\r\n% -- End MaxInk --\r\n");
 }
 
 TEST_F(PostscriptSetupTest, FencePointFilesAndTheDomainTable) {
@@ -580,10 +598,11 @@ TEST_F(PostscriptSetupTest, FencePointFilesAndTheDomainTable) {
   CPostscriptSetup setup(mode);
   setup.WriteFencePoints();
   const std::wstring& text = setup.GetText();
-  EXPECT_TRUE(text.starts_with(L"\r\n% -- Fence Points Setup --\r\n\r\nuserdict begin\r\n/FencePointFiles <<\r\n"
-                               L"  (Cyan) (%LumascriptWritable%fps/064160032192)\r\n"
-                               L"  (Light Cyan) (%LumascriptWritable%fps/060150030190)\r\n"
-                               L">> def\r\n/TriDomainTable <\n"));
+  EXPECT_TRUE(
+      text.starts_with(L"\r\n% -- Fence Points Setup --\r\n\r\nuserdict begin\r\n/FencePointFiles <<\r\n"
+                       L"  (Cyan) (%LumascriptWritable%fps/064160032192)\r\n"
+                       L"  (Light Cyan) (%LumascriptWritable%fps/060150030190)\r\n"
+                       L">> def\r\n/TriDomainTable <\n"));
   EXPECT_TRUE(text.ends_with(L"> def\r\nend\r\n\r\n% -- End Fence Points Setup --\r\n"));
 
   // The domain table: small dots below TD low, medium below TD high, large above; LF line ends.
@@ -610,12 +629,13 @@ TEST_F(PostscriptSetupTest, IccProfilesDictionary) {
   CPostscriptSetup setup(mode);
   const CPrinterData printer;
   setup.WriteICC(&printer);
-  EXPECT_EQ(setup.GetText(),
-            L"\r\n% -- ICC Profiles --\r\n\r\nuserdict begin\r\n  /clinks <<\r\n    /Root (%Lumascript%clinks)\r\n"
-            L"    /BMP_RGBPath << /Path (%Lumascript%profiles\\\\sRGB \\(v4\\).icc) /Intent (Perceptual) "
-            L"/Links [(Proof.icc)] >>\r\n"
-            L"    /OutTagDevicePath << /Path (Out.icm) /Intent (Perceptual) /Links [] >>\r\n"
-            L"  >> def\r\nend\r\n\r\n% -- End ICC Profiles --\r\n");
+  EXPECT_EQ(
+      setup.GetText(),
+      L"\r\n% -- ICC Profiles --\r\n\r\nuserdict begin\r\n  /clinks <<\r\n    /Root (%Lumascript%clinks)\r\n"
+      L"    /BMP_RGBPath << /Path (%Lumascript%profiles\\\\sRGB \\(v4\\).icc) /Intent (Perceptual) "
+      L"/Links [(Proof.icc)] >>\r\n"
+      L"    /OutTagDevicePath << /Path (Out.icm) /Intent (Perceptual) /Links [] >>\r\n"
+      L"  >> def\r\nend\r\n\r\n% -- End ICC Profiles --\r\n");
 
   icc.SetEnabled(false);
   CPostscriptSetup off(mode);

@@ -157,7 +157,8 @@ void InstallTestPrinters(const std::filesystem::path& rip) {
   namespace fs = std::filesystem;
   const fs::path printers = rip / "System" / "printers";
   fs::create_directories(printers);
-  const fs::path samples = fs::path(TARN_TEST_DATA_DIR).parent_path().parent_path() / "examples" / "rip" / "System" / "printers";
+  const fs::path samples =
+      fs::path(TARN_TEST_DATA_DIR).parent_path().parent_path() / "examples" / "rip" / "System" / "printers";
   for (const fs::path& folder : {samples, DataFile("postscript/printers")}) {
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
       WriteBytes(printers / entry.path().filename(), ReadBytes(entry.path()));

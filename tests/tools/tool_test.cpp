@@ -97,7 +97,8 @@ TEST_F(ToolTest, PostscriptFindsThePrinterThroughTheRipFolder) {
   test::WriteBytes(temp.path() / "Lonely.pmx", test::ReadBytes(sample));
   const ToolRun lonely = Tool({"postscript", (temp.path() / "Lonely.pmx").string()});
   EXPECT_EQ(lonely.status, 0);
-  EXPECT_NE(lonely.err.find("warning: printer definition 'Aurora64' not found"), std::string::npos) << lonely.err;
+  EXPECT_NE(lonely.err.find("warning: printer definition 'Aurora64' not found"), std::string::npos)
+      << lonely.err;
   EXPECT_EQ(lonely.out.find("separation <"), std::string::npos);
 }
 
