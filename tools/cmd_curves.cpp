@@ -9,23 +9,12 @@
 
 namespace tarn::tool {
 
-namespace {
-
-int Usage() {
-  std::fprintf(stderr, "usage: tarn curves FILE [-o OUT.svg]\n");
-  return kExitUsage;
-}
-
-}  // namespace
-
 int RunCurves(const Arguments& args) {
   std::string input;
   std::string output;
-  if (!ReadFileAndOutput(args, input, output)) {
-    return Usage();
-  }
   CPrintModeData mode;
-  if (const int status = LoadPrintModeFile(input, mode); status != kExitOk) {
+  if (const int status = OpenPrintModeCommand(args, "tarn curves FILE [-o OUT.svg]", mode, input, output);
+      status != kExitOk) {
     return status;
   }
   return WriteOutput(output, PlotCurvesSVG(mode));

@@ -9,23 +9,12 @@
 
 namespace tarn::tool {
 
-namespace {
-
-int Usage() {
-  std::fprintf(stderr, "usage: tarn postscript FILE [-o OUT.ps]\n");
-  return kExitUsage;
-}
-
-}  // namespace
-
 int RunPostscript(const Arguments& args) {
   std::string input;
   std::string output;
-  if (!ReadFileAndOutput(args, input, output)) {
-    return Usage();
-  }
   CPrintModeData mode;
-  if (const int status = LoadPrintModeFile(input, mode); status != kExitOk) {
+  if (const int status = OpenPrintModeCommand(args, "tarn postscript FILE [-o OUT.ps]", mode, input, output);
+      status != kExitOk) {
     return status;
   }
 

@@ -40,10 +40,13 @@ int RunPostscript(const Arguments& args);
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 
-// Reads the arguments "FILE [-o OUT]"; false for anything else.
-bool ReadFileAndOutput(const Arguments& args, std::string& input, std::string& output);
 // Loads the print mode file; kExitOk, or the exit code after its failure line.
 int LoadPrintModeFile(const std::string& file, CPrintModeData& mode);
+// Reads the arguments "FILE [-o OUT]" and loads FILE into mode: kExitOk, or
+// the exit code after the usage line (which reads "usage: " usage) or the
+// failure line.
+int OpenPrintModeCommand(const Arguments& args, const char* usage, CPrintModeData& mode, std::string& input,
+                         std::string& output);
 // Writes bytes to output (atomically), or to stdout when output is empty.
 int WriteOutput(const std::string& output, std::string_view bytes);
 

@@ -9,6 +9,8 @@
 
 namespace tarn::tool {
 
+namespace {
+
 bool ReadFileAndOutput(const Arguments& args, std::string& input, std::string& output) {
   for (size_t i = 0; i < args.size(); ++i) {
     if (args[i] == "-o") {
@@ -25,6 +27,8 @@ bool ReadFileAndOutput(const Arguments& args, std::string& input, std::string& o
   return !input.empty();
 }
 
+}  // namespace
+
 int LoadPrintModeFile(const std::string& file, CPrintModeData& mode) {
   const std::wstring path = FromUtf8(file);
   if (!FileExists(path)) {
@@ -37,6 +41,15 @@ int LoadPrintModeFile(const std::string& file, CPrintModeData& mode) {
     return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
   }
   return kExitOk;
+}
+
+int OpenPrintModeCommand(const Arguments& args, const char* usage, CPrintModeData& mode, std::string& input,
+                         std::string& output) {
+  if (!ReadFileAndOutput(args, input, output)) {
+    std::fprintf(stderr, "usage: %s\n", usage);
+    return kExitUsage;
+  }
+  return LoadPrintModeFile(input, mode);
 }
 
 int WriteOutput(const std::string& output, std::string_view bytes) {
