@@ -643,18 +643,6 @@ TEST_F(PostscriptSetupTest, IccProfilesDictionary) {
   EXPECT_EQ(off.GetText(), L"");
 }
 
-TEST_F(PostscriptSetupTest, PdfPointListsOfTheLevelCurves) {
-  CPrintModeData mode;
-  CPMCurveData level(false, 0);
-  mode.GetTransfers()->SetCurve(1, level, 0);
-  CPostscriptSetup setup(mode);
-  std::wstring text;
-  setup.WritePDFLevelTransferCurves(true, text);
-  EXPECT_NE(text.find(L"red: 0.0000, 1.0000, 0.5000, 0.0000, 1.0000, 0.0000\r\n"), std::wstring::npos);
-  EXPECT_TRUE(text.starts_with(L"gray: 0.0000, 1.0000, 0.0500, 0.9500,"));
-  EXPECT_EQ(setup.WritePDFLevelCurve(1), L"0.0000, 0.0000, 0.5000, 1.0000, 1.0000, 1.0000");
-}
-
 // --- the PostScript save -------------------------------------------------------
 
 TEST_F(PostscriptSetupTest, SavingThePostScriptFormWritesTheSetupAtomically) {

@@ -58,6 +58,8 @@ TEST_F(ToolTest, VersionNamesBothVersions) {
   EXPECT_EQ(Tool({"--help"}).status, 0);
   EXPECT_EQ(Tool({"frobnicate"}).status, 2);
   EXPECT_EQ(Tool({"info"}).status, 2);
+  EXPECT_EQ(Tool({"postscript"}).status, 2);
+  EXPECT_EQ(Tool({"postscript", "a.pmx", "b.pmx"}).status, 2);
 }
 
 TEST_F(ToolTest, ListsAndDescribesTheSampleRipFolder) {
