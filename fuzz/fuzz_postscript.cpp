@@ -8,8 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "tarn/foundation/platform.h"
-#include "tarn/foundation/xml.h"
+#include "fuzz_support.h"
 #include "tarn/printer/printer_data.h"
 #include "tarn/printmode/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -58,18 +57,10 @@ bool TablesAreWhole(const std::wstring& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static const bool quiet = [] {
-    tarn::SetMessageHandler([](const std::wstring&, const std::wstring&) {});
-    return true;
-  }();
-  (void)quiet;
-  pugi::xml_document document;
-  if (!tarn::xml::LoadDocumentFromBuffer(
-          document, std::string_view(reinterpret_cast<const char*>(data), size), "PMH")) {
+  tarn::CPrintModeData mode;
+  if (!tarn::fuzz::ReadPrintMode(data, size, mode)) {
     return 0;
   }
-  tarn::CPrintModeData mode;
-  mode.ReadXML(document.first_child());
   tarn::CPostscriptSetup setup(mode);
   setup.WritePostscriptSection(Printer());
   if (!TablesAreWhole(setup.GetText()) || setup.GetText().find(L"Kestrel") == std::wstring::npos) {

@@ -148,6 +148,16 @@ class PostscriptInterpreterTest : public ::testing::Test {
   }
   void TearDown() override { SetTarnRipSystemRoot(L""); }
 
+  // A print mode of a test printer with linear separations for colorMode.
+  static CPrintModeData Mode(const wchar_t* driver, const wchar_t* colorMode) {
+    CPrintModeData mode;
+    mode.SetDriver(driver);
+    CPrinterData printer;
+    EXPECT_TRUE(printer.LoadPrinter(driver));
+    EXPECT_TRUE(mode.ResetSeparationData(colorMode, &printer));
+    return mode;
+  }
+
   // Runs the set-up of mode and checks its transfer and separation tables
   // against the curves.
   void RunAndCompare(CPrintModeData& mode, const std::string& label) {
@@ -209,12 +219,8 @@ TEST_F(PostscriptInterpreterTest, ADefaultPrintModeWithoutAPrinter) {
 }
 
 TEST_F(PostscriptInterpreterTest, DensityAndLevelCurves) {
-  CPrintModeData mode;
-  mode.SetDriver(L"Hexa6");
+  CPrintModeData mode = Mode(L"Hexa6", L"CMYKOG");
   mode.SetPrinterX(L"Hexa 6 (left)");
-  CPrinterData hexa;
-  ASSERT_TRUE(hexa.LoadPrinter(L"Hexa6"));
-  mode.ResetSeparationData(L"CMYKOG", &hexa);
   CPMTransferData& transfers = *mode.GetTransfers();
   CPMCurveData level(false, 0);
   level.SetValueStraight(0, 10.0);   // low
@@ -255,11 +261,7 @@ TEST_F(PostscriptInterpreterTest, TheSamplePrintModes) {
 }
 
 TEST_F(PostscriptInterpreterTest, HexachromeWithOptions) {
-  CPrintModeData mode;
-  mode.SetDriver(L"Chroma6");
-  CPrinterData chroma;
-  ASSERT_TRUE(chroma.LoadPrinter(L"Chroma6"));
-  mode.ResetSeparationData(L"Hexachrome", &chroma);
+  CPrintModeData mode = Mode(L"Chroma6", L"Hexachrome");
   mode.GetSeparations()->GetChannel(L"Hex1", 0u)->MakeLinear(0.8);
   mode.GetPrinterOptions()->SetOptionValue(L"Resolution", L"600 x 600");
   mode.GetPrinterOptions()->SetOptionValue(L"Passes", L"8");
@@ -269,12 +271,8 @@ TEST_F(PostscriptInterpreterTest, HexachromeWithOptions) {
 }
 
 TEST_F(PostscriptInterpreterTest, PlaneNamesThatAreNotPostScriptNames) {
-  CPrintModeData mode;
-  mode.SetDriver(L"Chroma6");
+  CPrintModeData mode = Mode(L"Chroma6", L"CMYK+Spots");
   mode.SetPrinterX(L"Chroma (6) \\ spots");
-  CPrinterData chroma;
-  ASSERT_TRUE(chroma.LoadPrinter(L"Chroma6"));
-  ASSERT_TRUE(mode.ResetSeparationData(L"CMYK+Spots", &chroma));
   mode.GetSeparations()->GetChannel(L"Spot (1)", 0u)->MakeLinear(0.25);
   mode.GetHalftones()->SetIsUsed(true);
   mode.GetHalftones()->GetHalftoneOption(std::wstring(L"Spot"))->SetAngle(15.0);
