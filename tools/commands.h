@@ -40,6 +40,10 @@ int RunPostscript(const Arguments& args);
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 
+// Loads a print mode file into mode with the library's own message silenced,
+// as the caller reports a failure in its one line; the tool's message handler
+// is put back afterwards.
+bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path);
 // Loads the print mode file; kExitOk, or the exit code after its failure line.
 int LoadPrintModeFile(const std::string& file, CPrintModeData& mode);
 // Reads the arguments "FILE [-o OUT]" and loads FILE into mode: kExitOk, or

@@ -34,10 +34,7 @@ int LoadPrintModeFile(const std::string& file, CPrintModeData& mode) {
   if (!FileExists(path)) {
     return Fail("no such file: " + file);
   }
-  SetMessageHandler([](const std::wstring&, const std::wstring&) {});  // the failure below says it all
-  const bool loaded = mode.LoadXMLPrintMode(path);
-  SetMessageHandler({});
-  if (!loaded) {
+  if (!LoadPrintModeQuietly(mode, path)) {
     return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
   }
   return kExitOk;
