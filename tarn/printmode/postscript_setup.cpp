@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <exception>
-#include <optional>
 #include <string_view>
 #include <vector>
 
