@@ -23,6 +23,8 @@ const Command kCommands[] = {
      "list the media of a printer: files, its page sizes and the defaults", RunMedia},
     {"media", "media FILE.qmd [-o OUT.svg]", "draw a media layout to scale, slots numbered in fill order",
      RunMedia},
+    {"postscript", "postscript FILE [-o OUT.ps]", "write the PostScript set-up of a print mode",
+     RunPostscript},
 };
 
 void PrintHelp() {
@@ -38,18 +40,6 @@ void PrintHelp() {
 int Fail(const std::string& message) {
   std::fprintf(stderr, "tarn: %s\n", message.c_str());
   return kExitFailure;
-}
-
-int WriteOutput(const std::string& text, const std::string& output) {
-  if (output.empty()) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!tarn::WriteFileAtomically(tarn::FromUtf8(output), text, &error)) {
-    return Fail("cannot write " + output + ": " + tarn::ToUtf8(error));
-  }
-  return kExitOk;
 }
 
 bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path) {
