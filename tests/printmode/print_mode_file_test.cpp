@@ -117,6 +117,25 @@ TEST(PrintModeFile, SaveAndReloadKeepsTheHeader) {
   EXPECT_EQ(test::Written(reloaded), test::Written(CPrintModeData(temp.File("Gloss Vinyl.pmx"))));
 }
 
+// Text a host sets or a damaged file brings in (control characters, half a
+// surrogate pair, bytes that are not UTF-8) never makes a file that a strict
+// parser refuses.
+TEST(PrintModeFile, HostileTextStillSavesAStrictXmlFile) {
+  test::TempFolder temp;
+  test::WriteBytes(temp.path() / "damaged.pmx",
+                   "<PMH version=\"8\"><PRINTER>caf\xe9 &#1;</PRINTER><METADATA><INKSET>\xed\xa0\x80"
+                   "</INKSET></METADATA></PMH>");
+  CPrintModeData mode(temp.File("damaged.pmx"));
+  ASSERT_TRUE(mode.IsLoaded());
+  mode.SetDriver(L"bell\a \xD800 escape\x1b");
+  mode.SetManufacturer(L"form\f feed");
+  ASSERT_TRUE(mode.SavePrintMode(temp.wide().c_str(), false));
+  if (!test::HaveStrictParser()) {
+    GTEST_SKIP() << "xmllint is not installed";
+  }
+  EXPECT_EQ(test::StrictParserComplaint(test::ReadBytes(temp.path() / "damaged.pmx")), "");
+}
+
 TEST(PrintModeFile, BadFilesAreRefusedWithTheUnsupportedMessage) {
   const char* files[] = {"invalid/empty.pmx",          "invalid/not_xml.pmx",    "invalid/truncated.pmx",
                          "invalid/lowercase_root.pmx", "invalid/wrong_root.pmx", "invalid/binary_archive.pmx",
