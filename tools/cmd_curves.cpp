@@ -45,7 +45,7 @@ int RunCurves(const Arguments& args) {
   const bool loaded = mode.LoadXMLPrintMode(path);
   SetMessageHandler({});
   if (!loaded) {
-    return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
+    return Fail(input + ": " + WhyNotLoaded(path, tags::kPrintModeRoot));
   }
   const std::string svg = PlotCurvesSVG(mode);
   if (output.empty()) {

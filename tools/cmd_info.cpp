@@ -12,7 +12,7 @@ namespace tarn::tool {
 namespace {
 
 void Line(const char* label, const std::wstring& value) {
-  std::printf("  %-20s %s\n", label, value.empty() ? "-" : ToUtf8(value).c_str());
+  std::printf("  %-20s %s\n", label, value.empty() ? "-" : Shown(value).c_str());
 }
 
 void Line(const char* label, bool value) {
@@ -77,7 +77,7 @@ int ShowPrintMode(const std::string& file) {
   const bool loaded = mode.LoadXMLPrintMode(path);
   SetMessageHandler({});
   if (!loaded) {
-    return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
+    return Fail(file + ": " + WhyNotLoaded(path, tags::kPrintModeRoot));
   }
   std::printf("%s\n", file.c_str());
   Line("file version", mode.GetVersion());

@@ -30,6 +30,19 @@ int RunCurves(const Arguments& args);
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 
+// Text from a file as UTF-8 for standard output; on a terminal, control
+// characters are shown as "\x1b" and the like instead of acting.
+std::string Shown(const std::wstring& text);
+
+// Why the document at path does not load with that root, in a few words:
+// "permission denied", "empty file", "XML error at line 3, column 7: ...";
+// empty when the document does load.
+std::string WhyNotLoaded(const std::wstring& path, const char* root);
+
+// Flushes standard output; false, with the reason, when anything written to
+// it was lost (a full disk, /dev/full, a closed pipe).
+bool OutputWritten(std::string& reason);
+
 // Exit codes.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailure = 1;
