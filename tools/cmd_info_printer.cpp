@@ -112,8 +112,8 @@ void ShowPages(const CPrinterData& printer) {
   Heading("page sizes", printer.GetPages().size());
   for (const auto& [key, page] : printer.GetPages()) {
     Line(Shown(key).c_str(), Inches(page->GetFullWidth()) + L" x " + Inches(page->GetFullDepth()) +
-                                  L" in (printable " + Inches(page->GetWidth()) + L" x " +
-                                  Inches(page->GetDepth()) + L")");
+                                 L" in (printable " + Inches(page->GetWidth()) + L" x " +
+                                 Inches(page->GetDepth()) + L")");
   }
 }
 
@@ -154,7 +154,8 @@ int ShowPrinterDefinition(const std::string& file) {
   CPrinterData printer;
   if (!printer.LoadFile(path)) {
     const std::string reason = WhyNotLoaded(path, "PRINTERLIST");
-    return Fail(file + ": not a printer definition (" + (reason.empty() ? "no PRINTERLIST/PRINTER" : reason) + ")");
+    return Fail(file + ": not a printer definition (" + (reason.empty() ? "no PRINTERLIST/PRINTER" : reason) +
+                ")");
   }
   std::printf("%s\n", file.c_str());
   Line("long name", printer.GetLongName());

@@ -333,8 +333,8 @@ void RemoveStaleTemporaries(const std::string& folder, const std::string& prefix
 int CreateTemporary(const std::string& folder, const std::string& prefix, std::string& name) {
   static std::atomic<unsigned> counter{0};
   for (int attempt = 0; attempt < 100; ++attempt) {
-    const auto ticks = static_cast<unsigned long long>(
-        std::chrono::steady_clock::now().time_since_epoch().count());
+    const auto ticks =
+        static_cast<unsigned long long>(std::chrono::steady_clock::now().time_since_epoch().count());
     name = JoinNative(folder, prefix + Format("%x-%x-%llx", static_cast<unsigned>(::getpid()),
                                               counter.fetch_add(1), ticks & 0xffffffffull));
     const int fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
@@ -561,8 +561,8 @@ std::vector<std::wstring> FindFilesBelow(const std::wstring& folder, const std::
         if (depth < kMaxFolderDepth) {
           walk(relative + entry.name + L"\\", depth + 1);
         } else {
-          ShowMessage(Format(L"The folder %s%s is nested too deeply (more than %d levels); it is skipped.", here,
-                             entry.name, kMaxFolderDepth),
+          ShowMessage(Format(L"The folder %s%s is nested too deeply (more than %d levels); it is skipped.",
+                             here, entry.name, kMaxFolderDepth),
                       kFolderCaption);
         }
       } else if (MatchesWildcard(entry.name, wildcard.empty() ? L"*" : wildcard)) {

@@ -78,14 +78,15 @@ void ReportUnkeepable(const std::wstring& what, const std::wstring& path) {
 // A character the XML of a file can carry as it stands.
 bool IsPlainChar(wchar_t c) {
   const auto code = static_cast<std::uint32_t>(c);
-  return (code >= 0x20 || c == L'\t' || c == L'\n') && !(code >= 0xD800 && code <= 0xDFFF) && code != 0xFFFE &&
-         code != 0xFFFF && code <= 0x10FFFF;
+  return (code >= 0x20 || c == L'\t' || c == L'\n') && !(code >= 0xD800 && code <= 0xDFFF) &&
+         code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF;
 }
 
 // Names are attributes, whose white space the parser turns into blanks, so
 // they hold no control characters at all.
 bool IsKeepableName(std::wstring_view name) {
-  return std::all_of(name.begin(), name.end(), [](wchar_t c) { return c != L'\t' && c != L'\n' && IsPlainChar(c); });
+  return std::all_of(name.begin(), name.end(),
+                     [](wchar_t c) { return c != L'\t' && c != L'\n' && IsPlainChar(c); });
 }
 
 // A string value goes into the file as it stands unless the parser would
@@ -251,7 +252,8 @@ bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wst
 
 namespace {
 
-bool ParseData(CXRegistry::ValueType type, const std::string& text, bool escaped, CXRegistry::Key::Data& data) {
+bool ParseData(CXRegistry::ValueType type, const std::string& text, bool escaped,
+               CXRegistry::Key::Data& data) {
   if (escaped && type != CXRegistry::ValueType::kString) {
     return false;
   }

@@ -45,32 +45,6 @@ std::wstring WhereIs(std::string_view text, std::ptrdiff_t offset) {
   return Format(L"XML error at line %zu, column %zu: ", line, column);
 }
 
-// The first element nested deeper than the limit, walking the tree without
-// recursion; null when there is none. Refusing such documents at load keeps
-// every record's reader, including recursive ones, within the bound.
-pugi::xml_node FindTooDeep(const pugi::xml_document& document) {
-  pugi::xml_node node = document.first_child();
-  int depth = 1;
-  while (node) {
-    if (node.type() == pugi::node_element && depth > kMaxNestingDepth) {
-      return node;
-    }
-    if (node.first_child()) {
-      node = node.first_child();
-      ++depth;
-      continue;
-    }
-    while (node && !node.next_sibling()) {
-      node = node.parent();
-      --depth;
-    }
-    if (node) {
-      node = node.next_sibling();
-    }
-  }
-  return {};
-}
-
 // Length of the valid UTF-8 sequence for a character XML 1.0 allows at the
 // start of text, 0 when there is none: invalid or overlong bytes, surrogates,
 // control characters other than tab, line feed and carriage return, U+FFFE
@@ -146,12 +120,20 @@ bool RepairText(std::string_view text, std::string& repaired) {
 
 // Replaces, in every text, attribute and CDATA value of the document, the
 // characters that XML 1.0 cannot carry even escaped (control characters,
-// lone surrogates, bytes that are not UTF-8), so that whatever a record holds
-// the file parses with any strict parser. Walks without recursion.
-void RepairDocument(const pugi::xml_document& document) {
+// lone surrogates, bytes that are not UTF-8) by U+FFFD, walking the tree
+// without recursion. Done to every document loaded, so records never hold
+// such text from a file, and to every document saved, so a file parses with
+// any strict parser whatever a host has put into a record. Returns the first
+// element nested deeper than the limit, null when there is none.
+pugi::xml_node RepairDocument(const pugi::xml_document& document) {
   std::string repaired;
+  pugi::xml_node too_deep;
   pugi::xml_node node = document.first_child();
+  int depth = 1;
   while (node) {
+    if (!too_deep && node.type() == pugi::node_element && depth > kMaxNestingDepth) {
+      too_deep = node;
+    }
     if (RepairText(node.value(), repaired)) {
       node.set_value(repaired.c_str());
     }
@@ -162,15 +144,18 @@ void RepairDocument(const pugi::xml_document& document) {
     }
     if (node.first_child()) {
       node = node.first_child();
+      ++depth;
       continue;
     }
     while (node && !node.next_sibling()) {
       node = node.parent();
+      --depth;
     }
     if (node) {
       node = node.next_sibling();
     }
   }
+  return too_deep;
 }
 
 }  // namespace
@@ -322,7 +307,7 @@ bool LoadDocumentFromBuffer(pugi::xml_document& document, std::string_view utf8,
     document.reset();
     return false;
   }
-  if (const pugi::xml_node deep = FindTooDeep(document)) {
+  if (const pugi::xml_node deep = RepairDocument(document)) {
     SetError(error, WhereIs(utf8, deep.offset_debug()) +
                         Format(L"elements nested more than %d levels deep", kMaxNestingDepth));
     document.reset();

@@ -82,7 +82,10 @@ TARN_API double ReadAttributeReal(const pugi::xml_node& node, const char* name);
 // encoding detection. Returns false when the file cannot be read (platform.h:
 // only regular files of bounded size), is empty or does not parse, when the
 // document's first child is not an element named exactly root, or when its
-// elements nest more than kMaxNestingDepth levels (limits.h). The reason goes
+// elements nest more than kMaxNestingDepth levels (limits.h). Characters
+// that XML 1.0 cannot carry (a "&#1;" reference, bytes that are not UTF-8)
+// are replaced by U+FFFD as the document loads, so no record holds text that
+// its next save could not write back. The reason for a failure goes
 // into error when given: "permission denied", "empty file", "XML error at line
 // 3, column 7: start-end tags mismatch", ...
 TARN_API bool LoadDocument(pugi::xml_document& document, const std::wstring& path, const char* root,

@@ -98,17 +98,18 @@ TEST(Registry, MalformedNodesFailTheLoadAndKeepTheContents) {
     if (c.where) {
       EXPECT_EQ(capture.messages()[0].text, std::wstring(kBadSyntax) + c.where);
     } else {
-      EXPECT_EQ(capture.messages()[0].text.rfind(L"[XRegistry] Cannot load the configuration store: ", 0), 0u);
+      EXPECT_EQ(capture.messages()[0].text.rfind(L"[XRegistry] Cannot load the configuration store: ", 0),
+                0u);
     }
   }
 }
 
 TEST(Registry, NumbersAtTheEdgeOfTheirTypesStillLoad) {
   CXRegistry store;
-  ASSERT_TRUE(store.LoadFromString(
-      "<XREG><VALUE name=\"max\" type=\"integer\">9223372036854775807</VALUE>"
-      "<VALUE name=\"min\" type=\"integer\">-9223372036854775808</VALUE>"
-      "<VALUE name=\"big\" type=\"real\">1.7976931348623157e308</VALUE></XREG>"));
+  ASSERT_TRUE(
+      store.LoadFromString("<XREG><VALUE name=\"max\" type=\"integer\">9223372036854775807</VALUE>"
+                           "<VALUE name=\"min\" type=\"integer\">-9223372036854775808</VALUE>"
+                           "<VALUE name=\"big\" type=\"real\">1.7976931348623157e308</VALUE></XREG>"));
   std::int64_t value = 0;
   EXPECT_TRUE(store.GetInteger(L"max", value));
   EXPECT_EQ(value, INT64_MAX);
@@ -217,7 +218,8 @@ TEST(Registry, LoadAndSaveFailuresNameTheFileAndTheReason) {
   ASSERT_EQ(capture.messages().size(), 3u);
   EXPECT_EQ(capture.messages()[0].text,
             L"[XRegistry] Cannot load " + temp.File("missing.xml") + L": no such file or folder");
-  EXPECT_EQ(capture.messages()[1].text, L"[XRegistry] Cannot load " + temp.File("empty.xml") + L": empty file");
+  EXPECT_EQ(capture.messages()[1].text,
+            L"[XRegistry] Cannot load " + temp.File("empty.xml") + L": empty file");
   EXPECT_EQ(capture.messages()[2].text,
             L"[XRegistry] Cannot save " + temp.File("file/store.xml") + L": not a folder");
 }

@@ -67,7 +67,8 @@ TEST(XmlDocuments, FailuresSayWhatIsWrong) {
   const Case cases[] = {
       {"", L"empty file"},
       {"<PMH>\n\t<PRINTER>x</PRINTR>\n</PMH>", L"XML error at line 2, column 14: start-end tags mismatch"},
-      {"<PMH>\n<INKSET>Gr\xc3\xbcn</INKSET>\n<A", L"XML error at line 3, column 2: error parsing start element tag"},
+      {"<PMH>\n<INKSET>Gr\xc3\xbcn</INKSET>\n<A",
+       L"XML error at line 3, column 2: error parsing start element tag"},
       {"<pmh/>", L"the root element is <pmh>, not <PMH>"},
   };
   for (const Case& c : cases) {
@@ -126,6 +127,18 @@ TEST(XmlDocuments, EverySavedDocumentIsStrictXml) {
   EXPECT_EQ(xml::ReadAttribute(loaded, "note"), L"tab\tform\uFFFD");
   EXPECT_EQ(xml::ReadText(loaded.child("RAW")), L"caf\uFFFD \uFFFD\uFFFD ok");
   EXPECT_EQ(xml::ReadText(loaded.child("KEPT")), L"Grün \U0001F600 <&> \t\n");
+}
+
+// Replaced as the file loads, not only as it saves: a record sorted by a name
+// read from a damaged file must keep its place through every later save.
+TEST(XmlDocuments, LoadingReplacesWhatNoFileCanHold) {
+  pugi::xml_document document;
+  ASSERT_TRUE(
+      xml::LoadDocumentFromBuffer(document, "<PMH a=\"&#2;\"><N>&#1;Cyan</N><B>\xff</B></PMH>", "PMH"));
+  const pugi::xml_node root = document.first_child();
+  EXPECT_EQ(xml::ReadText(root.child("N")), L"\uFFFDCyan");
+  EXPECT_EQ(xml::ReadText(root.child("B")), L"\uFFFD");
+  EXPECT_EQ(xml::ReadAttribute(root, "a"), L"\uFFFD");
 }
 
 TEST(XmlDocuments, FilesThatCannotBeReadSayWhy) {
@@ -188,10 +201,11 @@ TEST(XmlValues, ReadWithTheSharedRules) {
 // that is no number reads.
 TEST(XmlValues, NumbersThatDoNotFitStayFinite) {
   pugi::xml_document document;
-  ASSERT_TRUE(xml::LoadDocumentFromBuffer(document,
-                                          "<R big=\"1e400\" nan=\"nan\"><I>99999999999999999999</I>"
-                                          "<M>-99999999999999999999</M><B>1e400</B><S>-1e999</S><F>inf</F></R>",
-                                          "R"));
+  ASSERT_TRUE(
+      xml::LoadDocumentFromBuffer(document,
+                                  "<R big=\"1e400\" nan=\"nan\"><I>99999999999999999999</I>"
+                                  "<M>-99999999999999999999</M><B>1e400</B><S>-1e999</S><F>inf</F></R>",
+                                  "R"));
   const pugi::xml_node r = document.first_child();
   EXPECT_EQ(xml::ReadInt(r.child("I")), INT_MAX);
   EXPECT_EQ(xml::ReadInt(r.child("M")), INT_MIN);

@@ -69,11 +69,11 @@ TEST(DefinitionsTest, NestedOptionsAreBoundedInDepth) {
   };
   pugi::xml_document document;
   CCustomDef option;
-  test::RunOnStack(1 << 20, [&] { EXPECT_TRUE(option.ReadXML(Parse(document, nested(kMaxNestingDepth).c_str()))); });
+  test::RunOnStack(1 << 20,
+                   [&] { EXPECT_TRUE(option.ReadXML(Parse(document, nested(kMaxNestingDepth).c_str()))); });
   test::MessageCapture capture;
-  test::RunOnStack(1 << 20, [&] {
-    EXPECT_FALSE(option.ReadXML(Parse(document, nested(kMaxNestingDepth + 1).c_str())));
-  });
+  test::RunOnStack(
+      1 << 20, [&] { EXPECT_FALSE(option.ReadXML(Parse(document, nested(kMaxNestingDepth + 1).c_str()))); });
   EXPECT_EQ(option.GetName(), L"");
   EXPECT_TRUE(option.GetOptions().empty());
   EXPECT_EQ(capture.messages().size(), 1u);

@@ -114,7 +114,8 @@ TEST_F(ToolTest, FailuresNameTheirCause) {
   const Case cases[] = {
       {{"info", test::DataFile("invalid/empty.pmx").string()}, ": empty file\n"},
       {{"info", test::DataFile("invalid/truncated.pmx").string()}, ": XML error at line "},
-      {{"info", test::DataFile("invalid/lowercase_root.pmx").string()}, "the root element is <pmh>, not <PMH>"},
+      {{"info", test::DataFile("invalid/lowercase_root.pmx").string()},
+       "the root element is <pmh>, not <PMH>"},
       {{"info", TARN_TEST_DATA_DIR}, ": is a folder\n"},
       {{"info", (temp.path() / "pipe.pmx").string()}, ": not a regular file\n"},
       {{"curves", test::DataFile("invalid/empty.pmx").string()}, ": empty file\n"},
@@ -132,8 +133,9 @@ TEST_F(ToolTest, FailuresNameTheirCause) {
 TEST_F(ToolTest, AFullDiskGivesOneLineOnStderr) {
   test::TempFolder temp;
   const std::string err = (temp.path() / "err").string();
-  for (const std::string& args : {"info \"" + (kExamples / "System/pmodes/Hexa6/Coated Paper 600.pmx").string() + "\"",
-                                 "list \"" + kExamples.string() + "\""}) {
+  for (const std::string& args :
+       {"info \"" + (kExamples / "System/pmodes/Hexa6/Coated Paper 600.pmx").string() + "\"",
+        "list \"" + kExamples.string() + "\""}) {
     const std::string command =
         "\"" + std::string(TARN_TOOL_PATH) + "\" " + args + " >/dev/full 2>\"" + err + "\"";
     const int raw = std::system(command.c_str());
