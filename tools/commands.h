@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace tarn {
+class CPrintModeData;
+}
+
 namespace tarn::tool {
 
 using Arguments = std::vector<std::string>;
@@ -42,6 +46,11 @@ std::string WhyNotLoaded(const std::wstring& path, const char* root);
 // Flushes standard output; false, with the reason, when anything written to
 // it was lost (a full disk, /dev/full, a closed pipe).
 bool OutputWritten(std::string& reason);
+
+// Loads a print mode file into mode with the library's own message silenced,
+// as the caller reports a failure in its one line; the tool's message handler
+// is put back afterwards.
+bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path);
 
 // Exit codes.
 inline constexpr int kExitOk = 0;
