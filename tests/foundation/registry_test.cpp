@@ -187,14 +187,7 @@ TEST(Registry, KeyDepthIsBoundedInPathsAndFiles) {
 
 // Nesting far beyond any limit, read on a small stack: refused, not a crash.
 TEST(Registry, DeepFilesAreRefusedOnASmallStack) {
-  std::string xml = "<XREG>";
-  for (int i = 0; i < 100000; ++i) {
-    xml += "<KEY name=\"k\">";
-  }
-  for (int i = 0; i < 100000; ++i) {
-    xml += "</KEY>";
-  }
-  xml += "</XREG>";
+  const std::string xml = "<XREG>" + test::Nested("<KEY name=\"k\">", "</KEY>", 100000) + "</XREG>";
   bool loaded = true;
   test::MessageCapture capture;
   test::RunOnStack(1 << 20, [&] {

@@ -82,16 +82,7 @@ TEST(XmlDocuments, FailuresSayWhatIsWrong) {
 // Nesting is bounded when the document loads, so no reader recursing over
 // elements can run out of stack, even on a 1 MB thread.
 TEST(XmlDocuments, NestingBeyondTheLimitIsRefused) {
-  const auto nested = [](int depth) {
-    std::string text;
-    for (int i = 0; i < depth; ++i) {
-      text += i == 0 ? "<PMH>" : "<A>";
-    }
-    for (int i = depth - 1; i >= 0; --i) {
-      text += i == 0 ? "</PMH>" : "</A>";
-    }
-    return text;
-  };
+  const auto nested = [](int depth) { return "<PMH>" + test::Nested("<A>", "</A>", depth - 1) + "</PMH>"; };
   pugi::xml_document document;
   EXPECT_TRUE(xml::LoadDocumentFromBuffer(document, nested(kMaxNestingDepth), "PMH"));
   std::wstring reason;

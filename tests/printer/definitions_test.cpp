@@ -57,16 +57,7 @@ TEST(DefinitionsTest, OptionChoicesTakeTheirTextWhenTheyHaveNoValue) {
 // document built in memory (files that deep are refused on loading), is
 // refused whole, with a message, and without exhausting a 1 MB stack.
 TEST(DefinitionsTest, NestedOptionsAreBoundedInDepth) {
-  const auto nested = [](int depth) {
-    std::string text;
-    for (int i = 0; i < depth; ++i) {
-      text += "<CUSTOM><NAME>o</NAME>";
-    }
-    for (int i = 0; i < depth; ++i) {
-      text += "</CUSTOM>";
-    }
-    return text;
-  };
+  const auto nested = [](int depth) { return test::Nested("<CUSTOM><NAME>o</NAME>", "</CUSTOM>", depth); };
   pugi::xml_document document;
   CCustomDef option;
   test::RunOnStack(1 << 20,

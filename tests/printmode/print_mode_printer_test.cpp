@@ -79,14 +79,9 @@ TEST_F(PrintModePrinterTest, LaserDataIsWrittenOnlyForALaserPrinter) {
 // loads, so saving a print mode that names it neither crashes nor writes
 // laser data, even on a 1 MB stack.
 TEST_F(PrintModePrinterTest, ADeeplyNestedPrinterIsRefusedAndTheSaveGoesOn) {
-  std::string deep = "<PRINTERLIST><PRINTER><LONGNAME>Deep</LONGNAME><LASERDEVICE>1</LASERDEVICE>";
-  for (int i = 0; i < 100000; ++i) {
-    deep += "<CUSTOM><NAME>o</NAME>";
-  }
-  for (int i = 0; i < 100000; ++i) {
-    deep += "</CUSTOM>";
-  }
-  deep += "</PRINTER></PRINTERLIST>";
+  const std::string deep = "<PRINTERLIST><PRINTER><LONGNAME>Deep</LONGNAME><LASERDEVICE>1</LASERDEVICE>" +
+                           test::Nested("<CUSTOM><NAME>o</NAME>", "</CUSTOM>", 100000) +
+                           "</PRINTER></PRINTERLIST>";
   test::WriteBytes(rip_.path() / "System" / "printers" / "Deep.pdx", deep);
   bool loaded = true;
   bool saved = false;

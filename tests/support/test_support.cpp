@@ -91,6 +91,18 @@ void RunOnStack(size_t stack_bytes, const std::function<void()>& body) {
   pthread_attr_destroy(&attributes);
 }
 
+std::string Nested(const std::string& open, const std::string& close, int depth) {
+  std::string text;
+  text.reserve((open.size() + close.size()) * static_cast<size_t>(depth));
+  for (int i = 0; i < depth; ++i) {
+    text += open;
+  }
+  for (int i = 0; i < depth; ++i) {
+    text += close;
+  }
+  return text;
+}
+
 bool HaveStrictParser() {
   return std::system("xmllint --version >/dev/null 2>&1") == 0;
 }

@@ -86,6 +86,9 @@ std::string Written(const Record& record) {
 // their worker threads).
 void RunOnStack(size_t stack_bytes, const std::function<void()>& body);
 
+// open repeated depth times, then close as often: elements nested depth deep.
+std::string Nested(const std::string& open, const std::string& close, int depth);
+
 // Empty when the strict second parser (libxml2's xmllint) accepts the text
 // as a well-formed XML 1.0 document; otherwise its complaint. Tests skip
 // when xmllint is not installed (scripts/install-deps installs it).
