@@ -144,24 +144,25 @@ TEST_F(ToolTest, AFullDiskGivesOneLineOnStderr) {
   }
 }
 
-// On a terminal, control characters from a file are shown, not obeyed.
+// On a terminal, control characters are shown, not obeyed. Texts inside files
+// lose them as the file loads; file names keep them.
 TEST_F(ToolTest, ControlCharactersAreEscapedOnATerminal) {
   if (std::system("script --version >/dev/null 2>&1") != 0) {
     GTEST_SKIP() << "script(1) is not installed";
   }
-  test::TempFolder temp;
-  test::WriteBytes(temp.path() / "odd.pmx",
-                   "<PMH version=\"8\"><PRINTER>red&#27;[31m alert&#7;</PRINTER></PMH>");
-  const std::string out = (temp.path() / "out").string();
-  const std::string command = "script -qec '\"" + std::string(TARN_TOOL_PATH) + "\" info \"" +
-                              (temp.path() / "odd.pmx").string() + "\"' /dev/null >\"" + out + "\" 2>&1";
+  test::TempFolder rip;
+  fs::create_directories(rip.path() / "System/pmodes/Driver");
+  test::WriteBytes(rip.path() / "System/pmodes/Driver/red\x1b[31m alert\x07.pmx", "<PMH/>");
+  const std::string out = (rip.path() / "out").string();
+  const std::string command = "script -qec '\"" + std::string(TARN_TOOL_PATH) + "\" list \"" +
+                              rip.path().string() + "\"' /dev/null >\"" + out + "\" 2>&1";
   ASSERT_EQ(std::system(command.c_str()), 0);
   const std::string text = test::ReadBytes(out);
-  EXPECT_NE(text.find("red\\x1b[31m alert\\x07"), std::string::npos) << text;
+  EXPECT_NE(text.find("Driver/red\\x1b[31m alert\\x07.pmx"), std::string::npos) << text;
   EXPECT_EQ(text.find('\x1b'), std::string::npos);
-  // Into a file or a pipe the text goes as it is.
-  const ToolRun plain = Tool({"info", (temp.path() / "odd.pmx").string()});
-  EXPECT_NE(plain.out.find("red\x1b[31m alert\x07"), std::string::npos);
+  // Into a file or a pipe the name goes as it is.
+  const ToolRun plain = Tool({"list", rip.path().string()});
+  EXPECT_EQ(plain.out, "Driver/red\x1b[31m alert\x07.pmx\n");
 }
 
 }  // namespace
