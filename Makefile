@@ -19,7 +19,11 @@ release: deps
 	cmake --preset release -DTARN_WARNINGS_AS_ERRORS=ON
 	cmake --build --preset release -j $(JOBS)
 
-demo: release
+# The demo needs the library and the tool only; the tests and benchmarks wait
+# for make test.
+demo: deps
+	cmake --preset release -DTARN_WARNINGS_AS_ERRORS=ON
+	cmake --build --preset release -j $(JOBS) --target tarn_tool
 	@echo "== tarn list examples/rip"
 	build/release/tools/tarn list examples/rip
 	@echo
@@ -55,6 +59,9 @@ consumer: release
 	cmake --build build/consumer
 	LD_LIBRARY_PATH=$(STAGE)/lib build/consumer/tarn_consumer
 	LD_LIBRARY_PATH=$(STAGE)/lib build/consumer/tarn_consumer_pc
+	# The installed tool runs without help from the environment, from any prefix.
+	rm -rf $(STAGE)-moved && cp -a $(STAGE) $(STAGE)-moved
+	env -u LD_LIBRARY_PATH $(STAGE)-moved/bin/tarn --version
 
 test: asan consumer
 	ctest --preset release -j $(JOBS)

@@ -12,7 +12,7 @@ namespace tarn::tool {
 namespace {
 
 void Line(const char* label, const std::wstring& value) {
-  std::printf("  %-20s %s\n", label, value.empty() ? "-" : ToUtf8(value).c_str());
+  std::printf("  %-20s %s\n", label, value.empty() ? "-" : Shown(value).c_str());
 }
 
 void Line(const char* label, bool value) {

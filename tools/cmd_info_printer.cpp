@@ -15,7 +15,7 @@ namespace tarn::tool {
 namespace {
 
 void Line(const char* label, const std::wstring& value) {
-  std::printf("  %-20s %s\n", label, value.empty() ? "-" : ToUtf8(value).c_str());
+  std::printf("  %-20s %s\n", label, value.empty() ? "-" : Shown(value).c_str());
 }
 
 void Heading(const char* title, size_t count) {
@@ -92,7 +92,7 @@ void ShowResolutions(const CPrinterData& printer) {
     if (!res->IsVisible()) {
       text += L", hidden";
     }
-    Line(ToUtf8(key).c_str(), text);
+    Line(Shown(key).c_str(), text);
   }
 }
 
@@ -104,16 +104,16 @@ void ShowColorModels(const CPrinterData& printer) {
       planes.push_back(plane.color ? plane.name : plane.name + L" (no colour)");
     }
     std::wstring text = model->GetDisplayName().empty() ? std::wstring() : model->GetDisplayName() + L": ";
-    Line(ToUtf8(key).c_str(), text + Join(planes));
+    Line(Shown(key).c_str(), text + Join(planes));
   }
 }
 
 void ShowPages(const CPrinterData& printer) {
   Heading("page sizes", printer.GetPages().size());
   for (const auto& [key, page] : printer.GetPages()) {
-    Line(ToUtf8(key).c_str(), Inches(page->GetFullWidth()) + L" x " + Inches(page->GetFullDepth()) +
-                                  L" in (printable " + Inches(page->GetWidth()) + L" x " +
-                                  Inches(page->GetDepth()) + L")");
+    Line(Shown(key).c_str(), Inches(page->GetFullWidth()) + L" x " + Inches(page->GetFullDepth()) +
+                                 L" in (printable " + Inches(page->GetWidth()) + L" x " +
+                                 Inches(page->GetDepth()) + L")");
   }
 }
 
@@ -131,7 +131,7 @@ void ShowOptions(const CPrinterData& printer) {
     if (!option->GetOptions().empty()) {
       text += Format(L", %u nested", static_cast<unsigned>(option->GetOptions().size()));
     }
-    Line(ToUtf8(key).c_str(), text);
+    Line(Shown(key).c_str(), text);
   }
 }
 
@@ -153,7 +153,9 @@ int ShowPrinterDefinition(const std::string& file) {
   }
   CPrinterData printer;
   if (!printer.LoadFile(path)) {
-    return Fail(file + ": not a printer definition (not XML, or no PRINTERLIST/PRINTER)");
+    const std::string reason = WhyNotLoaded(path, "PRINTERLIST");
+    return Fail(file + ": not a printer definition (" + (reason.empty() ? "no PRINTERLIST/PRINTER" : reason) +
+                ")");
   }
   std::printf("%s\n", file.c_str());
   Line("long name", printer.GetLongName());

@@ -1,8 +1,8 @@
 // tarn list RIPFOLDER: the print mode files under the print modes folder,
-// one per line as "driver\name.pmx", sorted.
+// one per line as a native path relative to it ("Aurora64/Gloss.pmx"), sorted.
 
+#include <algorithm>
 #include <cstdio>
-#include <functional>
 
 #include "tarn/tarn.h"
 #include "tools/commands.h"
@@ -19,28 +19,25 @@ int RunList(const Arguments& args) {
     rip += L'\\';
   }
   if (!FolderExists(rip)) {
-    return Fail("no such folder: " + args[0]);
+    return Fail(args[0] + (FileExists(FromUtf8(args[0])) ? ": not a folder" : ": no such folder"));
   }
   SetTarnRipSystemRoot(rip.c_str());
   const std::wstring root = GetPrintModesFolder();
   if (!FolderExists(root)) {
     return Fail("no print modes folder (System/pmodes) in " + args[0]);
   }
-  size_t count = 0;
-  // Print modes sit in one folder per driver, sometimes in sub-folders of it.
-  std::function<void(const std::wstring&, const std::wstring&)> walk = [&](const std::wstring& folder,
-                                                                           const std::wstring& relative) {
-    for (const FolderEntry& entry : FindFiles(folder + L"*.*")) {
-      if (entry.is_folder) {
-        walk(folder + entry.name + L"\\", relative + entry.name + L"\\");
-      } else if (MatchesWildcard(entry.name, L"*.pmx")) {
-        std::printf("%s\n", ToUtf8(relative + entry.name).c_str());
-        ++count;
-      }
-    }
-  };
-  walk(root, L"");
-  std::fprintf(stderr, "%zu print mode%s\n", count, count == 1 ? "" : "s");
+  // Print modes sit in one folder per driver, sometimes in sub-folders of it;
+  // the walk enters each real folder once, so links cannot make it loop.
+  const std::vector<std::wstring> modes = FindFilesBelow(root, L"*.pmx");
+  for (std::wstring mode : modes) {
+    std::replace(mode.begin(), mode.end(), L'\\', L'/');
+    std::printf("%s\n", Shown(mode).c_str());
+  }
+  std::string reason;
+  if (!OutputWritten(reason)) {
+    return kExitFailure;  // main says why, in one line
+  }
+  std::fprintf(stderr, "%zu print mode%s\n", modes.size(), modes.size() == 1 ? "" : "s");
   return kExitOk;
 }
 

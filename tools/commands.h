@@ -45,6 +45,19 @@ int ShowMediaFile(const std::string& file);
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 
+// Text from a file as UTF-8 for standard output; on a terminal, control
+// characters are shown as "\x1b" and the like instead of acting.
+std::string Shown(const std::wstring& text);
+
+// Why the document at path does not load with that root, in a few words:
+// "permission denied", "empty file", "XML error at line 3, column 7: ...";
+// empty when the document does load.
+std::string WhyNotLoaded(const std::wstring& path, const char* root);
+
+// Flushes standard output; false, with the reason, when anything written to
+// it was lost (a full disk, /dev/full, a closed pipe).
+bool OutputWritten(std::string& reason);
+
 // Loads a print mode file into mode with the library's own message silenced,
 // as the caller reports a failure in its one line; the tool's message handler
 // is put back afterwards.

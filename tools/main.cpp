@@ -70,15 +70,22 @@ int main(int argc, char** argv) {
   // The library reports through message boxes; on the command line they are
   // one line each on stderr.
   tarn::SetMessageHandler([](const std::wstring& text, const std::wstring& caption) {
-    std::fprintf(stderr, "tarn: %s: %s\n", tarn::ToUtf8(caption).c_str(), tarn::ToUtf8(text).c_str());
+    std::fprintf(stderr, "tarn: %s: %s\n", Shown(caption).c_str(), Shown(text).c_str());
   });
   for (const Command& entry : kCommands) {
     if (command == entry.name) {
+      int status = kExitOk;
       try {
-        return entry.run(Arguments(argv + 2, argv + argc));
+        status = entry.run(Arguments(argv + 2, argv + argc));
       } catch (const std::exception& error) {
-        return Fail(error.what());
+        status = Fail(error.what());
       }
+      // Output that never reached its file is a failure, whatever the command thought.
+      std::string reason;
+      if (!OutputWritten(reason)) {
+        return Fail("cannot write the output: " + reason);
+      }
+      return status;
     }
   }
   std::fprintf(stderr, "tarn: unknown command '%s' (try tarn --help)\n", command.c_str());

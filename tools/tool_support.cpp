@@ -35,7 +35,7 @@ int LoadPrintModeFile(const std::string& file, CPrintModeData& mode) {
     return Fail("no such file: " + file);
   }
   if (!LoadPrintModeQuietly(mode, path)) {
-    return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
+    return Fail(file + ": " + WhyNotLoaded(path, tags::kPrintModeRoot));
   }
   return kExitOk;
 }

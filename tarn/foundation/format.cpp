@@ -458,7 +458,7 @@ size_t ParseRealAscii(std::string_view text, double& value) {
   return static_cast<size_t>(ptr - text.data());
 }
 
-size_t ParseIntAscii(std::string_view text, long long& value) {
+size_t ParseIntAscii(std::string_view text, long long& value, bool* out_of_range = nullptr) {
   value = 0;
   bool negative = false;
   size_t i = SkipSpaceAndSign(text, negative);
@@ -478,6 +478,9 @@ size_t ParseIntAscii(std::string_view text, long long& value) {
     return 0;
   }
   constexpr unsigned long long kMaxPositive = std::numeric_limits<long long>::max();
+  if (out_of_range) {
+    *out_of_range = overflow || magnitude > kMaxPositive + (negative ? 1 : 0);
+  }
   if (negative) {
     value = (overflow || magnitude > kMaxPositive + 1) ? std::numeric_limits<long long>::min()
                                                        : static_cast<long long>(0ULL - magnitude);
@@ -546,13 +549,34 @@ size_t ParseIntPrefix(std::wstring_view text, long long& value) {
 double ToReal(std::string_view text) {
   double value = 0.0;
   ParseRealPrefix(text, value);
-  return value;
+  return std::isfinite(value) ? value : 0.0;
 }
 
 double ToReal(std::wstring_view text) {
   double value = 0.0;
   ParseRealPrefix(text, value);
-  return value;
+  return std::isfinite(value) ? value : 0.0;
+}
+
+bool ParseWholeInteger(std::string_view text, long long& value) {
+  long long parsed = 0;
+  bool out_of_range = false;
+  const size_t used = ParseIntAscii(text, parsed, &out_of_range);
+  if (used == 0 || used != text.size() || out_of_range) {
+    return false;
+  }
+  value = parsed;
+  return true;
+}
+
+bool ParseWholeReal(std::string_view text, double& value) {
+  double parsed = 0.0;
+  const size_t used = ParseRealPrefix(text, parsed);
+  if (used == 0 || used != text.size() || !std::isfinite(parsed)) {
+    return false;
+  }
+  value = parsed;
+  return true;
 }
 
 }  // namespace tarn

@@ -115,8 +115,18 @@ TARN_API size_t ParseIntPrefix(std::string_view text, long long& value);
 TARN_API size_t ParseIntPrefix(std::wstring_view text, long long& value);
 
 // The value of the number at the start of text, 0 when there is none;
-// trailing text is ignored, as atof/strtod ignore it.
+// trailing text is ignored, as atof/strtod ignore it. No infinity or NaN
+// comes out: "inf", "nan" and numbers beyond the range of a double ("1e400")
+// give 0, as text that is no number does, so a file cannot plant them in a
+// record.
 TARN_API double ToReal(std::string_view text);
 TARN_API double ToReal(std::wstring_view text);
+
+// Strict readers for stores that refuse what does not fit: the whole text
+// (leading white space allowed) must be one number. ParseWholeInteger fails
+// for a number outside 64 bits, ParseWholeReal for one that overflows a double
+// and for "inf" and "nan". value is untouched on failure.
+TARN_API bool ParseWholeInteger(std::string_view text, long long& value);
+TARN_API bool ParseWholeReal(std::string_view text, double& value);
 
 }  // namespace tarn

@@ -37,12 +37,26 @@ TARN_API bool GetModificationTime(const std::wstring& path, std::int64_t& time);
 // the file is missing or cannot be changed.
 TARN_API bool SetNormalAttributes(const std::wstring& path);
 
-// Reads a whole file. False, with the system's reason in error, when it cannot.
+// A short lower-case reason for a system error number: "permission denied",
+// "is a folder", "no such file or folder", ...
+TARN_API std::wstring DescribeSystemError(int error);
+
+// Reads a whole file. Only regular files of at most kMaxFileSize bytes
+// (limits.h) are read: a folder, a FIFO or a device is refused without
+// blocking. False, with the reason in error ("permission denied", "is a
+// folder", "not a regular file", "file too large (...)"), when it cannot.
 TARN_API bool ReadWholeFile(const std::wstring& path, std::string& data, std::wstring* error = nullptr);
 
-// Replaces a file atomically: writes a temporary file in the same folder,
-// flushes it to disk and renames it over the target. On any failure the old
-// file is untouched, the temporary removed, and the system's reason put in error.
+// Replaces a file atomically: writes a temporary file beside it, flushes it
+// to disk and renames it over the file. A symbolic link is followed, so the
+// file it names is replaced and the link stays. A replaced file keeps its
+// mode, and its owner where the process may set it; a new file gets 0666 less
+// the umask. Hard links to the old file keep the old contents: a rename cannot
+// reach them. Temporaries are named ".<name>.tarn-save-<unique>"; ones that a
+// killed save left behind are removed by the next save of the same file. On
+// any failure the old file is untouched, the temporary removed, and the
+// reason put in error. A target that exists and is not a regular file (a
+// folder, a FIFO, a device) is refused.
 TARN_API bool WriteFileAtomically(const std::wstring& path, std::string_view data,
                                   std::wstring* error = nullptr);
 
@@ -55,7 +69,17 @@ struct TARN_API FolderEntry {
 // component of pattern is the wildcard ("System\\pmodes\\*.pmx"). "*" matches
 // any run, "?" one character, case is ignored, and "*.*" also matches names
 // without a dot. "." and ".." are never listed. Entries come sorted by name.
+// A folder that exists but cannot be read is reported through the message
+// handler; a missing one simply lists nothing.
 TARN_API std::vector<FolderEntry> FindFiles(const std::wstring& pattern);
+
+// Walks folder and its sub-folders, depth first in name order, and returns
+// the files whose names match wildcard as paths relative to folder
+// ("Aurora64\\Gloss.pmx"). Each real folder is entered once, however many
+// links lead to it, so link loops end; folders more than kMaxFolderDepth
+// below folder are not entered. Folders that cannot be read, and ones left
+// out for depth, are reported through the message handler.
+TARN_API std::vector<std::wstring> FindFilesBelow(const std::wstring& folder, const std::wstring& wildcard);
 
 // True when name matches a Windows wildcard pattern (see FindFiles).
 TARN_API bool MatchesWildcard(std::wstring_view name, std::wstring_view pattern);

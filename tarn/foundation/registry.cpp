@@ -3,9 +3,11 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <variant>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/limits.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
@@ -20,7 +22,13 @@ constexpr char kValueTag[] = "VALUE";
 constexpr char kNameAttribute[] = "name";
 constexpr char kTypeAttribute[] = "type";
 constexpr char kVersionAttribute[] = "version";
+constexpr char kEncodingAttribute[] = "encoding";
+constexpr char kEscapedEncoding[] = "escaped";
 constexpr wchar_t kCaption[] = L"XRegistry";
+
+// The root element takes one level of a file's nesting, so a key path may
+// have one component fewer than the library's nesting limit.
+constexpr size_t kMaxPathParts = kMaxNestingDepth - 1;
 
 // One table for the type names, used by the reader and the writer.
 struct TypeName {
@@ -61,6 +69,90 @@ void ReportWrongType(const std::wstring& path) {
   ShowMessage(
       Format(L"[XRegistry] Attempting to access or set a value that is of the wrong data type: %s", path),
       kCaption);
+}
+
+void ReportUnkeepable(const std::wstring& what, const std::wstring& path) {
+  ShowMessage(Format(L"[XRegistry] %s: %s", what, path), kCaption);
+}
+
+// A character the XML of a file can carry as it stands.
+bool IsPlainChar(wchar_t c) {
+  const auto code = static_cast<std::uint32_t>(c);
+  return (code >= 0x20 || c == L'\t' || c == L'\n') && !(code >= 0xD800 && code <= 0xDFFF) &&
+         code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF;
+}
+
+// Names are attributes, whose white space the parser turns into blanks, so
+// they hold no control characters at all.
+bool IsKeepableName(std::wstring_view name) {
+  return std::all_of(name.begin(), name.end(),
+                     [](wchar_t c) { return c != L'\t' && c != L'\n' && IsPlainChar(c); });
+}
+
+// A string value goes into the file as it stands unless the parser would
+// not give it back: white space alone is dropped as indentation, a carriage
+// return becomes a line feed, and control characters, NUL and lone
+// surrogates cannot be in XML at all. Such values are written escaped.
+bool NeedsEscaping(std::wstring_view text) {
+  if (!text.empty() && std::all_of(text.begin(), text.end(), [](wchar_t c) {
+        return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r';
+      })) {
+    return true;
+  }
+  return !std::all_of(text.begin(), text.end(), IsPlainChar);
+}
+
+// Escaped form: "\\" for a backslash, "\u{hex}" for white space, control
+// characters and code units XML cannot hold; everything else as it stands.
+std::wstring Escape(std::wstring_view text) {
+  std::wstring out;
+  for (const wchar_t c : text) {
+    if (c == L'\\') {
+      out += L"\\\\";
+    } else if (c <= L' ' || c == 0x7F || !IsPlainChar(c)) {
+      out += Format(L"\\u{%x}", static_cast<std::uint32_t>(c));
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+bool Unescape(std::wstring_view text, std::wstring& out) {
+  out.clear();
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != L'\\') {
+      out += text[i];
+      continue;
+    }
+    if (i + 1 < text.size() && text[i + 1] == L'\\') {
+      out += L'\\';
+      ++i;
+      continue;
+    }
+    if (i + 3 >= text.size() || text[i + 1] != L'u' || text[i + 2] != L'{') {
+      return false;
+    }
+    std::uint32_t code = 0;
+    size_t j = i + 3;
+    for (; j < text.size() && text[j] != L'}'; ++j) {
+      const wchar_t c = text[j];
+      const int digit = (c >= L'0' && c <= L'9')   ? c - L'0'
+                        : (c >= L'a' && c <= L'f') ? c - L'a' + 10
+                        : (c >= L'A' && c <= L'F') ? c - L'A' + 10
+                                                   : -1;
+      if (digit < 0 || j - (i + 3) >= 8) {
+        return false;
+      }
+      code = code * 16 + static_cast<std::uint32_t>(digit);
+    }
+    if (j == i + 3 || j >= text.size()) {
+      return false;
+    }
+    out += static_cast<wchar_t>(code);
+    i = j;
+  }
+  return true;
 }
 
 std::vector<std::wstring> SplitKeyPath(const std::wstring& path) {
@@ -154,21 +246,30 @@ namespace {
 
 // Reads the children of element into key; false (after reporting) at the
 // first node that does not fit the layout.
-bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wstring& where);
+bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wstring& where, size_t depth);
 
 }  // namespace
 
 namespace {
 
-bool ParseData(CXRegistry::ValueType type, const std::string& text, CXRegistry::Key::Data& data) {
+bool ParseData(CXRegistry::ValueType type, const std::string& text, bool escaped,
+               CXRegistry::Key::Data& data) {
+  if (escaped && type != CXRegistry::ValueType::kString) {
+    return false;
+  }
   switch (type) {
-    case CXRegistry::ValueType::kString:
-      data = FromUtf8(text);
+    case CXRegistry::ValueType::kString: {
+      std::wstring value = FromUtf8(text);
+      if (escaped && !Unescape(std::wstring(value), value)) {
+        return false;
+      }
+      data = std::move(value);
       return true;
+    }
+    // Numbers that do not fit are refused, never clamped or made infinite.
     case CXRegistry::ValueType::kInteger: {
       long long value = 0;
-      const size_t used = ParseIntPrefix(std::string_view(text), value);
-      if (used == 0 || used != text.size()) {
+      if (!ParseWholeInteger(text, value)) {
         return false;
       }
       data = static_cast<std::int64_t>(value);
@@ -176,8 +277,7 @@ bool ParseData(CXRegistry::ValueType type, const std::string& text, CXRegistry::
     }
     case CXRegistry::ValueType::kReal: {
       double value = 0;
-      const size_t used = ParseRealPrefix(std::string_view(text), value);
-      if (used == 0 || used != text.size()) {
+      if (!ParseWholeReal(text, value)) {
         return false;
       }
       data = value;
@@ -193,7 +293,7 @@ bool ParseData(CXRegistry::ValueType type, const std::string& text, CXRegistry::
   return false;
 }
 
-bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wstring& where) {
+bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wstring& where, size_t depth) {
   for (const pugi::xml_node& child : element.children()) {
     if (child.type() != pugi::node_element) {
       continue;
@@ -204,17 +304,21 @@ bool ReadKey(const pugi::xml_node& element, CXRegistry::Key& key, const std::wst
       here += L'/';
     }
     here += name;
-    if (xml::IsNamed(child, kKeyTag) && !name.empty()) {
-      if (!ReadKey(child, *key.AddKey(name), here)) {
+    // The load refuses deeper documents already; the check keeps this
+    // recursion bounded whatever its caller.
+    if (xml::IsNamed(child, kKeyTag) && !name.empty() && IsKeepableName(name) && depth < kMaxPathParts) {
+      if (!ReadKey(child, *key.AddKey(name), here, depth + 1)) {
         return false;
       }
       continue;
     }
     CXRegistry::ValueType type{};
     CXRegistry::Key::Data data;
-    if (!xml::IsNamed(child, kValueTag) || name.empty() || key.FindValue(name) ||
-        !TypeOfName(child.attribute(kTypeAttribute).value(), type) ||
-        !ParseData(type, child.text().get(), data)) {
+    const pugi::xml_attribute encoding = child.attribute(kEncodingAttribute);
+    const bool escaped = std::string_view(encoding.value()) == kEscapedEncoding;
+    if (!xml::IsNamed(child, kValueTag) || name.empty() || !IsKeepableName(name) || key.FindValue(name) ||
+        (encoding && !escaped) || !TypeOfName(child.attribute(kTypeAttribute).value(), type) ||
+        !ParseData(type, child.text().get(), escaped, data)) {
       ReportSyntax(name.empty() ? (where.empty() ? L"" : where + L"/") + FromUtf8(child.name()) : here);
       return false;
     }
@@ -237,7 +341,12 @@ void WriteKey(pugi::xml_node element, const CXRegistry::Key& key) {
         [&](const auto& data) {
           using T = std::decay_t<decltype(data)>;
           if constexpr (std::is_same_v<T, std::wstring>) {
-            xml::SetText(child, data);
+            if (NeedsEscaping(data)) {
+              child.append_attribute(kEncodingAttribute).set_value(kEscapedEncoding);
+              xml::SetText(child, Escape(data));
+            } else {
+              xml::SetText(child, data);
+            }
           } else if constexpr (std::is_same_v<T, bool>) {
             child.text().set(data ? "1" : "0");
           } else if constexpr (std::is_same_v<T, double>) {
@@ -252,13 +361,27 @@ void WriteKey(pugi::xml_node element, const CXRegistry::Key& key) {
 
 }  // namespace
 
+namespace {
+
+void ReportLoadFailure(const std::wstring& source, const std::wstring& reason) {
+  ShowMessage(Format(L"[XRegistry] Cannot load %s: %s", source, reason), kCaption);
+}
+
+}  // namespace
+
 bool CXRegistry::LoadFromString(const std::string& utf8) {
+  return LoadText(utf8, L"the configuration store");
+}
+
+bool CXRegistry::LoadText(const std::string& utf8, const std::wstring& source) {
   pugi::xml_document document;
-  if (!xml::LoadDocumentFromBuffer(document, utf8, kRootTag)) {
+  std::wstring reason;
+  if (!xml::LoadDocumentFromBuffer(document, utf8, kRootTag, &reason)) {
+    ReportLoadFailure(source, reason);
     return false;
   }
   auto fresh = std::make_unique<Key>();
-  if (!ReadKey(document.first_child(), *fresh, L"")) {
+  if (!ReadKey(document.first_child(), *fresh, L"", 0)) {
     return false;
   }
   root_ = std::move(fresh);
@@ -267,7 +390,12 @@ bool CXRegistry::LoadFromString(const std::string& utf8) {
 
 bool CXRegistry::Load(const std::wstring& path) {
   std::string data;
-  return ReadWholeFile(path, data) && LoadFromString(data);
+  std::wstring reason;
+  if (!ReadWholeFile(path, data, &reason)) {
+    ReportLoadFailure(path, reason);
+    return false;
+  }
+  return LoadText(data, path);
 }
 
 std::string CXRegistry::SaveToString() const {
@@ -279,7 +407,12 @@ std::string CXRegistry::SaveToString() const {
 }
 
 bool CXRegistry::Save(const std::wstring& path) const {
-  return WriteFileAtomically(path, SaveToString());
+  std::wstring reason;
+  if (!WriteFileAtomically(path, SaveToString(), &reason)) {
+    ShowMessage(Format(L"[XRegistry] Cannot save %s: %s", path, reason), kCaption);
+    return false;
+  }
+  return true;
 }
 
 namespace {
@@ -320,6 +453,21 @@ bool GetTyped(CXRegistry::Key& root, const std::wstring& path, T& out) {
 template <typename T>
 bool SetTyped(CXRegistry::Key& root, const std::wstring& path, const T& in) {
   const std::vector<std::wstring> parts = SplitKeyPath(path);
+  // Refused before any key is made, so a failed set leaves the store as it was.
+  if (parts.size() > kMaxPathParts) {
+    ReportUnkeepable(Format(L"Key path nested more than %zu levels deep", kMaxPathParts), path);
+    return false;
+  }
+  if (!std::all_of(parts.begin(), parts.end(), IsKeepableName)) {
+    ReportUnkeepable(L"A key or value name holds a control character or an invalid code unit", path);
+    return false;
+  }
+  if constexpr (std::is_same_v<T, double>) {
+    if (!std::isfinite(in)) {
+      ReportUnkeepable(L"A real value must be a finite number", path);
+      return false;
+    }
+  }
   CXRegistry::Key* key = WalkTo(root, parts, true);
   if (!key) {
     return false;

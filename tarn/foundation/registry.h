@@ -16,8 +16,12 @@
 // value has one of four types; reading or overwriting it as another type fails
 // with "[XRegistry] Attempting to access or set a value that is of the wrong
 // data type: <key>". A file node that does not fit the layout fails the load
-// with "[XRegistry] Registry has invalid syntax around node: <node>". Both go
-// to the message handler (platform.h). The layout is in docs/formats/registry.md.
+// with "[XRegistry] Registry has invalid syntax around node: <node>"; that
+// includes numbers that do not fit (an integer beyond 64 bits, a real beyond
+// a double). Both go to the message handler (platform.h), as do the reasons
+// a file cannot be loaded or saved. Every string value round-trips exactly,
+// white space alone and control characters included. The layout is in
+// docs/formats/registry.md.
 
 #include <cstdint>
 #include <memory>
@@ -46,18 +50,23 @@ class TARN_API CXRegistry {
   // Empties the store.
   void Clear();
 
-  // Replaces the contents with the file's. False (contents unchanged) when the
-  // file cannot be read, is not an "XREG" document, or holds a malformed node.
+  // Replaces the contents with the file's. False (contents unchanged), with a
+  // message, when the file cannot be read, is not an "XREG" document, or holds
+  // a malformed node.
   bool Load(const std::wstring& path);
   bool LoadFromString(const std::string& utf8);
-  // Writes the store atomically; false, old file untouched, when it cannot.
+  // Writes the store atomically; false, old file untouched, with a message
+  // naming the file and the reason, when it cannot.
   bool Save(const std::wstring& path) const;
   std::string SaveToString() const;
 
   // Typed access by "Key/Sub/Value". A getter returns false, leaving value
   // alone, when the value is absent or of another type (the latter also
   // reports the wrong-type message). A setter creates missing keys and returns
-  // false when the value exists with another type or the path is empty.
+  // false when the value exists with another type or the path is empty; and,
+  // with a message, when the path has more than kMaxNestingDepth - 1 parts
+  // (limits.h), a name holds a control character or an invalid code unit, or
+  // a real is not finite.
   bool GetString(const std::wstring& path, std::wstring& value) const;
   bool GetInteger(const std::wstring& path, std::int64_t& value) const;
   bool GetReal(const std::wstring& path, double& value) const;
@@ -84,6 +93,8 @@ class TARN_API CXRegistry {
   struct Key;
 
  private:
+  bool LoadText(const std::string& utf8, const std::wstring& source);
+
   std::unique_ptr<Key> root_;
 };
 

@@ -1,6 +1,9 @@
 #include "tarn/foundation/xml.h"
 
+#include <algorithm>
+
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/limits.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
 
@@ -19,9 +22,140 @@ class StringWriter final : public pugi::xml_writer {
   std::string text;
 };
 
-bool CheckRoot(const pugi::xml_document& document, const char* root) {
-  const pugi::xml_node first = document.first_child();
-  return first && IsNamed(first, root);
+void SetError(std::wstring* error, const std::wstring& text) {
+  if (error) {
+    *error = text;
+  }
+}
+
+// Line and column (both from 1, the column in characters) of a byte offset.
+std::wstring WhereIs(std::string_view text, std::ptrdiff_t offset) {
+  const size_t end = std::min(static_cast<size_t>(std::max<std::ptrdiff_t>(offset, 0)), text.size());
+  size_t line = 1;
+  size_t column = 1;
+  for (size_t i = 0; i < end; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte == '\n') {
+      ++line;
+      column = 1;
+    } else if ((byte & 0xC0) != 0x80) {
+      ++column;
+    }
+  }
+  return Format(L"XML error at line %zu, column %zu: ", line, column);
+}
+
+// Length of the valid UTF-8 sequence for a character XML 1.0 allows at the
+// start of text, 0 when there is none: invalid or overlong bytes, surrogates,
+// control characters other than tab, line feed and carriage return, U+FFFE
+// and U+FFFF.
+size_t AllowedCharAt(std::string_view text, size_t at) {
+  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[at + i]); };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) {
+    return (lead >= 0x20 || lead == '\t' || lead == '\n' || lead == '\r') ? 1 : 0;
+  }
+  size_t length = 0;
+  char32_t code = 0;
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+    code = lead & 0x1F;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    code = lead & 0x0F;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    code = lead & 0x07;
+  } else {
+    return 0;
+  }
+  if (at + length > text.size()) {
+    return 0;
+  }
+  for (size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) {
+      return 0;
+    }
+    code = (code << 6) | (byte(i) & 0x3F);
+  }
+  const char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  if (code < smallest[length] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF) || code == 0xFFFE ||
+      code == 0xFFFF) {
+    return 0;
+  }
+  return length;
+}
+
+// text with every byte that does not start an allowed character replaced by
+// U+FFFD in repaired; false, repaired untouched, when nothing needs it.
+bool RepairText(std::string_view text, std::string& repaired) {
+  size_t at = 0;
+  while (at < text.size()) {
+    const size_t length = AllowedCharAt(text, at);
+    if (length == 0) {
+      break;
+    }
+    at += length;
+  }
+  if (at == text.size()) {
+    return false;
+  }
+  repaired.assign(text.substr(0, at));
+  while (at < text.size()) {
+    const size_t length = AllowedCharAt(text, at);
+    if (length == 0) {
+      repaired += "\xEF\xBF\xBD";
+      // Skip the rest of a broken sequence as one character.
+      ++at;
+      while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) {
+        ++at;
+      }
+      continue;
+    }
+    repaired.append(text.substr(at, length));
+    at += length;
+  }
+  return true;
+}
+
+// Replaces, in every text, attribute and CDATA value of the document, the
+// characters that XML 1.0 cannot carry even escaped (control characters,
+// lone surrogates, bytes that are not UTF-8) by U+FFFD, walking the tree
+// without recursion. Done to every document loaded, so records never hold
+// such text from a file, and to every document saved, so a file parses with
+// any strict parser whatever a host has put into a record. Returns the first
+// element nested deeper than the limit, null when there is none.
+pugi::xml_node RepairDocument(const pugi::xml_document& document) {
+  std::string repaired;
+  pugi::xml_node too_deep;
+  pugi::xml_node node = document.first_child();
+  int depth = 1;
+  while (node) {
+    if (!too_deep && node.type() == pugi::node_element && depth > kMaxNestingDepth) {
+      too_deep = node;
+    }
+    if (RepairText(node.value(), repaired)) {
+      node.set_value(repaired.c_str());
+    }
+    for (pugi::xml_attribute attribute : node.attributes()) {
+      if (RepairText(attribute.value(), repaired)) {
+        attribute.set_value(repaired.c_str());
+      }
+    }
+    if (node.first_child()) {
+      node = node.first_child();
+      ++depth;
+      continue;
+    }
+    while (node && !node.next_sibling()) {
+      node = node.parent();
+      --depth;
+    }
+    if (node) {
+      node = node.next_sibling();
+    }
+  }
+  return too_deep;
 }
 
 }  // namespace
@@ -149,30 +283,56 @@ double ReadAttributeReal(const pugi::xml_node& node, const char* name) {
   return ToReal(std::string_view(node.attribute(name).value()));
 }
 
-bool LoadDocumentFromBuffer(pugi::xml_document& document, std::string_view utf8, const char* root) {
+bool LoadDocumentFromBuffer(pugi::xml_document& document, std::string_view utf8, const char* root,
+                            std::wstring* error) {
+  document.reset();
+  if (utf8.empty()) {
+    SetError(error, L"empty file");
+    return false;
+  }
   const pugi::xml_parse_result result =
       document.load_buffer(utf8.data(), utf8.size(), pugi::parse_default, pugi::encoding_auto);
-  if (!result || !CheckRoot(document, root)) {
+  if (!result) {
+    std::wstring description = FromUtf8(result.description());
+    if (!description.empty()) {
+      description[0] = FoldCase(description.substr(0, 1))[0];
+    }
+    SetError(error, WhereIs(utf8, result.offset) + description);
+    document.reset();
+    return false;
+  }
+  const pugi::xml_node first = document.first_child();
+  if (!first || !IsNamed(first, root)) {
+    SetError(error, Format(L"the root element is <%s>, not <%s>", FromUtf8(first.name()), FromUtf8(root)));
+    document.reset();
+    return false;
+  }
+  if (const pugi::xml_node deep = RepairDocument(document)) {
+    SetError(error, WhereIs(utf8, deep.offset_debug()) +
+                        Format(L"elements nested more than %d levels deep", kMaxNestingDepth));
     document.reset();
     return false;
   }
   return true;
 }
 
-bool LoadDocument(pugi::xml_document& document, const std::wstring& path, const char* root) {
+bool LoadDocument(pugi::xml_document& document, const std::wstring& path, const char* root,
+                  std::wstring* error) {
   std::string data;
-  if (!ReadWholeFile(path, data)) {
+  if (!ReadWholeFile(path, data, error)) {
     document.reset();
     return false;
   }
-  return LoadDocumentFromBuffer(document, data, root);
+  return LoadDocumentFromBuffer(document, data, root, error);
 }
 
-bool LoadDocumentFromString(pugi::xml_document& document, std::wstring_view text, const char* root) {
-  return LoadDocumentFromBuffer(document, ToUtf8(text), root);
+bool LoadDocumentFromString(pugi::xml_document& document, std::wstring_view text, const char* root,
+                            std::wstring* error) {
+  return LoadDocumentFromBuffer(document, ToUtf8(text), root, error);
 }
 
 std::string SaveDocumentToString(const pugi::xml_document& document) {
+  RepairDocument(document);
   StringWriter writer;
   document.save(writer, "\t", pugi::format_indent, pugi::encoding_utf8);
   return std::move(writer.text);

@@ -79,21 +79,35 @@ TARN_API double ReadAttributeReal(const pugi::xml_node& node, const char* name);
 // --- documents -----------------------------------------------------------
 
 // Loads the file at a RIP-style path with pugixml's default parse options and
-// encoding detection. Returns false when the file cannot be read or parsed, or
-// when the document's first child is not an element named exactly root.
-TARN_API bool LoadDocument(pugi::xml_document& document, const std::wstring& path, const char* root);
+// encoding detection. Returns false when the file cannot be read (platform.h:
+// only regular files of bounded size), is empty or does not parse, when the
+// document's first child is not an element named exactly root, or when its
+// elements nest more than kMaxNestingDepth levels (limits.h). Characters
+// that XML 1.0 cannot carry (a "&#1;" reference, bytes that are not UTF-8)
+// are replaced by U+FFFD as the document loads, so no record holds text that
+// its next save could not write back. The reason for a failure goes
+// into error when given: "permission denied", "empty file", "XML error at line
+// 3, column 7: start-end tags mismatch", ...
+TARN_API bool LoadDocument(pugi::xml_document& document, const std::wstring& path, const char* root,
+                           std::wstring* error = nullptr);
 
 // The same for a document held in memory (an embedded section).
-TARN_API bool LoadDocumentFromString(pugi::xml_document& document, std::wstring_view text, const char* root);
-TARN_API bool LoadDocumentFromBuffer(pugi::xml_document& document, std::string_view utf8, const char* root);
+TARN_API bool LoadDocumentFromString(pugi::xml_document& document, std::wstring_view text, const char* root,
+                                     std::wstring* error = nullptr);
+TARN_API bool LoadDocumentFromBuffer(pugi::xml_document& document, std::string_view utf8, const char* root,
+                                     std::wstring* error = nullptr);
 
 // The document as the files carry it: declaration <?xml version="1.0"?>, one tab
-// of indentation per level, UTF-8.
+// of indentation per level, UTF-8. Characters that XML 1.0 cannot carry at all
+// (control characters other than tab, line feed and carriage return, lone
+// surrogates, bytes that are not UTF-8) are first replaced in the document by
+// U+FFFD, so every file the library writes parses with a strict parser.
 TARN_API std::string SaveDocumentToString(const pugi::xml_document& document);
 
 // Writes SaveDocumentToString's text to the file in one piece, replacing it
-// atomically. On failure returns false, leaves any old file untouched and puts
-// the system's reason into error when given.
+// atomically (platform.h: through links, keeping mode and owner). On failure
+// returns false, leaves any old file untouched and puts the reason into error
+// when given.
 TARN_API bool SaveDocument(const pugi::xml_document& document, const std::wstring& path,
                            std::wstring* error = nullptr);
 

@@ -11,6 +11,9 @@
 
 #include "tarn/printer/definitions.h"
 
+#include "tarn/foundation/format.h"
+#include "tarn/foundation/limits.h"
+#include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
 
@@ -167,8 +170,18 @@ void CCustomDef::SetDefaults() {
 }
 
 bool CCustomDef::ReadXML(const pugi::xml_node& node) {
+  return ReadXML(node, 1);
+}
+
+bool CCustomDef::ReadXML(const pugi::xml_node& node, int depth) {
   SetDefaults();
   if (!node) {
+    return false;
+  }
+  // Loaded files are bounded already; a node built in memory may not be.
+  if (depth > kMaxNestingDepth) {
+    ShowMessage(Format(L"Printer options are nested more than %d levels deep.", kMaxNestingDepth),
+                L"Printer definition");
     return false;
   }
   m_htm = xml::ReadAttributeBool(node, kCustomHTM);
@@ -189,7 +202,11 @@ bool CCustomDef::ReadXML(const pugi::xml_node& node) {
       }
     } else if (xml::IsNamed(child, kCustomNested)) {
       CCustomDef option;
-      if (option.ReadXML(child) && !option.GetName().empty()) {
+      if (!option.ReadXML(child, depth + 1)) {
+        SetDefaults();
+        return false;
+      }
+      if (!option.GetName().empty()) {
         m_options.push_back(std::move(option));
       }
     }

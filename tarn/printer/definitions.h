@@ -93,8 +93,9 @@ class TARN_API CCustomDef {
   CCustomDef& operator=(const CCustomDef&) = default;
 
   void SetDefaults();
-  // Reads the element and its nested "CUSTOM" children; false only for a null
-  // node. Nested options without a name are skipped.
+  // Reads the element and its nested "CUSTOM" children; false for a null node,
+  // and, with a message, for options nested more than kMaxNestingDepth levels
+  // deep (limits.h). Nested options without a name are skipped.
   bool ReadXML(const pugi::xml_node& node);
 
   const std::wstring& GetName() const { return m_name; }
@@ -119,6 +120,8 @@ class TARN_API CCustomDef {
   bool operator==(const CCustomDef&) const = default;
 
  private:
+  bool ReadXML(const pugi::xml_node& node, int depth);
+
   std::wstring m_name;
   std::wstring m_proc;
   std::wstring m_default;

@@ -353,6 +353,8 @@ bool CPrintModeData::SavePrintMode(const wchar_t* folder, bool postscript) {
   WriteXML(document);
   if (!xml::SaveDocument(document, path, &error)) {
     ShowMessage(error, kErrorCaption);
+    // The system's text alone does not say which file; a second message does.
+    ShowMessage(Format(L"The print mode %s could not be saved: %s", path, error), kErrorCaption);
     return false;
   }
   // The file has been renamed into place, so it exists at once; the wait is

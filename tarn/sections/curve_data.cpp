@@ -131,7 +131,7 @@ std::optional<std::vector<double>> ParseDataValues(std::wstring_view text) {
   for (size_t i = 0; i < kTableSize; ++i) {
     double value = 0.0;
     const size_t used = ParseRealPrefix(rest, value);
-    if (used == 0) {
+    if (used == 0 || !std::isfinite(value)) {
       return std::nullopt;
     }
     rest.remove_prefix(used);
@@ -164,7 +164,8 @@ CurvePoints ParseFlexiblePairs(std::wstring_view text) {
     if (used > 0 && used < token.size() && token[used] == L',') {
       ParseRealPrefix(token.substr(used + 1), y);
     }
-    pairs.emplace_back(x, y);
+    // A field beyond the range of a double ("1e400") counts as unreadable.
+    pairs.emplace_back(std::isfinite(x) ? x : 0.0, std::isfinite(y) ? y : 0.0);
   }
   return pairs;
 }

@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
 #include "support/test_support.h"
+#include "tarn/foundation/limits.h"
 #include "tarn/foundation/text.h"
 
 namespace tarn {
@@ -82,6 +84,149 @@ TEST(WriteFileAtomically, KeepsThePermissionsOfTheFileItReplaces) {
   ASSERT_TRUE(WriteFileAtomically(Wide(path), "new"));
   EXPECT_EQ(fs::status(path).permissions() & fs::perms::all,
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+TEST(WriteFileAtomically, SavesThroughALinkToTheFileItNames) {
+  test::TempFolder temp;
+  fs::create_directories(temp.path() / "real");
+  test::WriteBytes(temp.path() / "real/mode.pmx", "old");
+  fs::create_symlink("real/mode.pmx", temp.path() / "link.pmx");
+  fs::create_symlink(temp.path() / "link.pmx", temp.path() / "chain.pmx");
+  fs::create_symlink("real/new.pmx", temp.path() / "dangling.pmx");
+
+  ASSERT_TRUE(WriteFileAtomically(temp.File("chain.pmx"), "new"));
+  EXPECT_TRUE(fs::is_symlink(temp.path() / "link.pmx"));
+  EXPECT_TRUE(fs::is_symlink(temp.path() / "chain.pmx"));
+  EXPECT_EQ(test::ReadBytes(temp.path() / "real/mode.pmx"), "new");
+  // A dangling link names the file to create.
+  ASSERT_TRUE(WriteFileAtomically(temp.File("dangling.pmx"), "created"));
+  EXPECT_TRUE(fs::is_symlink(temp.path() / "dangling.pmx"));
+  EXPECT_EQ(test::ReadBytes(temp.path() / "real/new.pmx"), "created");
+  // The temporaries went beside the real files and are gone.
+  EXPECT_EQ(std::distance(fs::directory_iterator(temp.path() / "real"), fs::directory_iterator()), 2);
+
+  fs::create_symlink("loop-b", temp.path() / "loop-a");
+  fs::create_symlink("loop-a", temp.path() / "loop-b");
+  std::wstring error;
+  EXPECT_FALSE(WriteFileAtomically(temp.File("loop-a"), "x", &error));
+  EXPECT_EQ(error, L"too many levels of symbolic links");
+}
+
+TEST(WriteFileAtomically, NewFilesFollowTheUmaskAndReplacedOnesKeepModeAndOwner) {
+  test::TempFolder temp;
+  const mode_t previous = ::umask(027);
+  const bool saved = WriteFileAtomically(temp.File("new.pmx"), "x");
+  ::umask(previous);
+  ASSERT_TRUE(saved);
+  EXPECT_EQ(fs::status(temp.path() / "new.pmx").permissions() & fs::perms::all,
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+  const fs::path shared = temp.path() / "shared.pmx";
+  test::WriteBytes(shared, "old");
+  ::chmod(shared.c_str(), 0664);
+  // Only root may give a file away; elsewhere the owner is ours anyway.
+  const bool root = ::geteuid() == 0;
+  if (root) {
+    ASSERT_EQ(::chown(shared.c_str(), 4321, 4321), 0);
+  }
+  ASSERT_TRUE(WriteFileAtomically(Wide(shared), "new"));
+  struct stat info {};
+  ASSERT_EQ(::stat(shared.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0664u);
+  if (root) {
+    EXPECT_EQ(info.st_uid, 4321u);
+    EXPECT_EQ(info.st_gid, 4321u);
+  }
+}
+
+TEST(WriteFileAtomically, RemovesTemporariesAKilledSaveLeftBehind) {
+  test::TempFolder temp;
+  // What a save killed between writing and renaming leaves.
+  test::WriteBytes(temp.path() / ".mode.pmx.tarn-save-dead", "half");
+  test::WriteBytes(temp.path() / ".other.pmx.tarn-save-dead", "not ours");
+  ASSERT_TRUE(WriteFileAtomically(temp.File("mode.pmx"), "whole"));
+  EXPECT_FALSE(fs::exists(temp.path() / ".mode.pmx.tarn-save-dead"));
+  EXPECT_TRUE(fs::exists(temp.path() / ".other.pmx.tarn-save-dead"));
+  EXPECT_EQ(test::ReadBytes(temp.path() / "mode.pmx"), "whole");
+}
+
+TEST(WriteFileAtomically, RefusesToReplaceWhatIsNoRegularFile) {
+  test::TempFolder temp;
+  ASSERT_EQ(::mkfifo((temp.path() / "pipe.pmx").c_str(), 0600), 0);
+  std::wstring error;
+  EXPECT_FALSE(WriteFileAtomically(temp.File("pipe.pmx"), "x", &error));
+  EXPECT_EQ(error, L"not a regular file");
+  EXPECT_TRUE(fs::is_fifo(temp.path() / "pipe.pmx"));
+}
+
+TEST(ReadWholeFile, ReadsOnlyRegularFilesOfBoundedSize) {
+  test::TempFolder temp;
+  std::string data;
+  std::wstring error;
+  // Neither may block or fill memory: a FIFO nobody writes to, an endless device.
+  ASSERT_EQ(::mkfifo((temp.path() / "pipe.pmx").c_str(), 0600), 0);
+  EXPECT_FALSE(ReadWholeFile(temp.File("pipe.pmx"), data, &error));
+  EXPECT_EQ(error, L"not a regular file");
+  EXPECT_FALSE(ReadWholeFile(L"/dev/zero", data, &error));
+  EXPECT_EQ(error, L"not a regular file");
+  EXPECT_FALSE(ReadWholeFile(Wide(temp.path()), data, &error));
+  EXPECT_EQ(error, L"is a folder");
+  EXPECT_FALSE(ReadWholeFile(temp.File("missing.pmx"), data, &error));
+  EXPECT_EQ(error, L"no such file or folder");
+
+  // A sparse file just over the limit costs no disk and must be refused unread.
+  const fs::path big = temp.path() / "big.pmx";
+  test::WriteBytes(big, "");
+  fs::resize_file(big, kMaxFileSize + 1);
+  EXPECT_FALSE(ReadWholeFile(Wide(big), data, &error));
+  EXPECT_NE(error.find(L"file too large"), std::wstring::npos);
+  EXPECT_TRUE(data.empty());
+
+  if (::geteuid() != 0) {  // root reads anything
+    test::WriteBytes(temp.path() / "secret.pmx", "x");
+    fs::permissions(temp.path() / "secret.pmx", fs::perms::none);
+    EXPECT_FALSE(ReadWholeFile(temp.File("secret.pmx"), data, &error));
+    EXPECT_EQ(error, L"permission denied");
+  }
+}
+
+TEST(FindFilesBelow, VisitsEachRealFolderOnceThroughLinks) {
+  test::TempFolder temp;
+  fs::create_directories(temp.path() / "Aurora64/Matte");
+  test::WriteBytes(temp.path() / "Aurora64/Gloss.pmx", "");
+  test::WriteBytes(temp.path() / "Aurora64/Matte/Soft.PMX", "");
+  test::WriteBytes(temp.path() / "Aurora64/notes.txt", "");
+  // A loop back to the top and a second way into one folder.
+  fs::create_directory_symlink("..", temp.path() / "Aurora64/Matte/up");
+  fs::create_directory_symlink("Aurora64", temp.path() / "Zeta");
+  test::MessageCapture capture;
+  EXPECT_EQ(FindFilesBelow(temp.wide(), L"*.pmx"),
+            (std::vector<std::wstring>{L"Aurora64\\Gloss.pmx", L"Aurora64\\Matte\\Soft.PMX"}));
+  EXPECT_TRUE(capture.empty());
+}
+
+TEST(FindFilesBelow, StopsAtTheDepthLimitAndReportsWhatItCannotRead) {
+  test::TempFolder temp;
+  fs::path deep = temp.path();
+  for (int level = 0; level <= kMaxFolderDepth + 1; ++level) {
+    deep /= "d";
+  }
+  fs::create_directories(deep);
+  test::WriteBytes(deep / "lost.pmx", "");
+  test::WriteBytes(temp.path() / "top.pmx", "");
+  test::MessageCapture capture;
+  EXPECT_EQ(FindFilesBelow(temp.wide(), L"*.pmx"), std::vector<std::wstring>{L"top.pmx"});
+  ASSERT_EQ(capture.messages().size(), 1u);
+  EXPECT_NE(capture.messages()[0].text.find(L"nested too deeply"), std::wstring::npos);
+
+  if (::geteuid() != 0) {
+    capture.clear();
+    fs::create_directories(temp.path() / "locked");
+    fs::permissions(temp.path() / "locked", fs::perms::none);
+    FindFilesBelow(temp.wide(), L"*.pmx");
+    ASSERT_FALSE(capture.empty());
+    EXPECT_NE(capture.messages().back().text.find(L"permission denied"), std::wstring::npos);
+  }
 }
 
 TEST(Files, ReadOnlyStateAndTimes) {

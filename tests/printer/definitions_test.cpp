@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_support.h"
+#include "tarn/foundation/limits.h"
 #include "tarn/printer/definitions.h"
 #include "tarn/printer/generic_map.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -49,6 +51,23 @@ TEST(DefinitionsTest, OptionChoicesTakeTheirTextWhenTheyHaveNoValue) {
   ASSERT_EQ(option.GetOptions().size(), 1u);
   EXPECT_EQ(option.GetOptions()[0].GetName(), L"Nested");
   EXPECT_EQ(option.FindChoice(L"Eight"), nullptr);
+}
+
+// Options nested as deep as a file may hold them read; one level more, in a
+// document built in memory (files that deep are refused on loading), is
+// refused whole, with a message, and without exhausting a 1 MB stack.
+TEST(DefinitionsTest, NestedOptionsAreBoundedInDepth) {
+  const auto nested = [](int depth) { return test::Nested("<CUSTOM><NAME>o</NAME>", "</CUSTOM>", depth); };
+  pugi::xml_document document;
+  CCustomDef option;
+  test::RunOnStack(1 << 20,
+                   [&] { EXPECT_TRUE(option.ReadXML(Parse(document, nested(kMaxNestingDepth).c_str()))); });
+  test::MessageCapture capture;
+  test::RunOnStack(
+      1 << 20, [&] { EXPECT_FALSE(option.ReadXML(Parse(document, nested(kMaxNestingDepth + 1).c_str()))); });
+  EXPECT_EQ(option.GetName(), L"");
+  EXPECT_TRUE(option.GetOptions().empty());
+  EXPECT_EQ(capture.messages().size(), 1u);
 }
 
 TEST(DefinitionsTest, SNMPPresentMeansOnWithStandardSettings) {

@@ -117,6 +117,25 @@ TEST(PrintModeFile, SaveAndReloadKeepsTheHeader) {
   EXPECT_EQ(test::Written(reloaded), test::Written(CPrintModeData(temp.File("Gloss Vinyl.pmx"))));
 }
 
+// Text a host sets or a damaged file brings in (control characters, half a
+// surrogate pair, bytes that are not UTF-8) never makes a file that a strict
+// parser refuses.
+TEST(PrintModeFile, HostileTextStillSavesAStrictXmlFile) {
+  test::TempFolder temp;
+  test::WriteBytes(temp.path() / "damaged.pmx",
+                   "<PMH version=\"8\"><PRINTER>caf\xe9 &#1;</PRINTER><METADATA><INKSET>\xed\xa0\x80"
+                   "</INKSET></METADATA></PMH>");
+  CPrintModeData mode(temp.File("damaged.pmx"));
+  ASSERT_TRUE(mode.IsLoaded());
+  mode.SetDriver(L"bell\a \xD800 escape\x1b");
+  mode.SetManufacturer(L"form\f feed");
+  ASSERT_TRUE(mode.SavePrintMode(temp.wide().c_str(), false));
+  if (!test::HaveStrictParser()) {
+    GTEST_SKIP() << "xmllint is not installed";
+  }
+  EXPECT_EQ(test::StrictParserComplaint(test::ReadBytes(temp.path() / "damaged.pmx")), "");
+}
+
 TEST(PrintModeFile, BadFilesAreRefusedWithTheUnsupportedMessage) {
   const char* files[] = {"invalid/empty.pmx",          "invalid/not_xml.pmx",    "invalid/truncated.pmx",
                          "invalid/lowercase_root.pmx", "invalid/wrong_root.pmx", "invalid/binary_archive.pmx",
@@ -186,26 +205,30 @@ TEST(PrintModeSave, RefusesWhatWouldWriteElsewhereOrNowhere) {
   struct Case {
     const wchar_t* name;
     const char* folder;
-    bool message;
+    size_t messages;
   };
   const Case cases[] = {
-      {L"..\\escape.pmx", "inner", true},
-      {L"../escape.pmx", "inner", true},
-      {L"sub\\mode.pmx", "inner", true},
-      {L"..", "inner", true},
-      {L"", "inner", true},
-      {L"mode.pmx", "missing", true},
-      {L"C:mode.pmx", "inner", true},
+      {L"..\\escape.pmx", "inner", 1},
+      {L"../escape.pmx", "inner", 1},
+      {L"sub\\mode.pmx", "inner", 1},
+      {L"..", "inner", 1},
+      {L"", "inner", 1},
+      {L"mode.pmx", "missing", 2},  // the system's reason, then the file with it
+      {L"C:mode.pmx", "inner", 1},
   };
   for (const Case& c : cases) {
     test::MessageCapture capture;
     CPrintModeData mode = HeaderSample();
     mode.SetName(c.name);
     EXPECT_FALSE(mode.SavePrintMode(Wide(temp.path() / c.folder).c_str(), false)) << ToUtf8(c.name);
-    EXPECT_EQ(capture.messages().size(), c.message ? 1u : 0u) << ToUtf8(c.name);
-    if (!capture.empty()) {
-      EXPECT_EQ(capture.messages()[0].caption, L"Error");
-      EXPECT_FALSE(capture.messages()[0].text.empty());
+    ASSERT_EQ(capture.messages().size(), c.messages) << ToUtf8(c.name);
+    EXPECT_EQ(capture.messages()[0].caption, L"Error");
+    EXPECT_FALSE(capture.messages()[0].text.empty());
+    if (c.messages == 2) {
+      EXPECT_EQ(capture.messages()[0].text, L"no such file or folder");
+      EXPECT_NE(
+          capture.messages()[1].text.find(L"missing\\mode.pmx could not be saved: no such file or folder"),
+          std::wstring::npos);
     }
   }
   EXPECT_TRUE(fs::is_empty(temp.path() / "inner"));

@@ -75,6 +75,27 @@ TEST_F(PrintModePrinterTest, LaserDataIsWrittenOnlyForALaserPrinter) {
   }
 }
 
+// A printer definition with options nested far too deep is refused when it
+// loads, so saving a print mode that names it neither crashes nor writes
+// laser data, even on a 1 MB stack.
+TEST_F(PrintModePrinterTest, ADeeplyNestedPrinterIsRefusedAndTheSaveGoesOn) {
+  const std::string deep = "<PRINTERLIST><PRINTER><LONGNAME>Deep</LONGNAME><LASERDEVICE>1</LASERDEVICE>" +
+                           test::Nested("<CUSTOM><NAME>o</NAME>", "</CUSTOM>", 100000) +
+                           "</PRINTER></PRINTERLIST>";
+  test::WriteBytes(rip_.path() / "System" / "printers" / "Deep.pdx", deep);
+  bool loaded = true;
+  bool saved = false;
+  test::RunOnStack(1 << 20, [&] {
+    CPrinterData printer;
+    loaded = printer.LoadPrinter(L"Deep");
+    CPrintModeData mode = Mode(L"Deep", L"Gray", L"500 dpi");
+    saved = mode.SavePrintMode(rip_.wide().c_str(), false);
+  });
+  EXPECT_FALSE(loaded);
+  EXPECT_TRUE(saved);
+  EXPECT_EQ(test::ReadBytes(rip_.path() / "Sample.pmx").find("LASERDATA"), std::string::npos);
+}
+
 TEST_F(PrintModePrinterTest, PlanesComeFromTheColourModel) {
   const CPrintModeData mode = Mode(L"Aurora64", L"CMYKLcLmWV", L"720 x 720");
   std::vector<std::pair<std::wstring, bool>> planes;

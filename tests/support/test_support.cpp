@@ -1,5 +1,6 @@
 #include "support/test_support.h"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -71,6 +72,52 @@ DecimalCommaLocale::DecimalCommaLocale() {
 DecimalCommaLocale::~DecimalCommaLocale() {
   std::setlocale(LC_ALL, previous_.c_str());
   std::locale::global(std::locale::classic());
+}
+
+void RunOnStack(size_t stack_bytes, const std::function<void()>& body) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, stack_bytes);
+  pthread_t thread;
+  auto run = [](void* argument) -> void* {
+    (*static_cast<const std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  if (pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&body)) != 0) {
+    pthread_attr_destroy(&attributes);
+    throw std::runtime_error("cannot start a thread");
+  }
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+std::string Nested(const std::string& open, const std::string& close, int depth) {
+  std::string text;
+  text.reserve((open.size() + close.size()) * static_cast<size_t>(depth));
+  for (int i = 0; i < depth; ++i) {
+    text += open;
+  }
+  for (int i = 0; i < depth; ++i) {
+    text += close;
+  }
+  return text;
+}
+
+bool HaveStrictParser() {
+  return std::system("xmllint --version >/dev/null 2>&1") == 0;
+}
+
+std::string StrictParserComplaint(const std::string& xml) {
+  TempFolder temp;
+  const std::filesystem::path file = temp.path() / "written.xml";
+  const std::filesystem::path complaint = temp.path() / "complaint.txt";
+  WriteBytes(file, xml);
+  const std::string command = "xmllint --noout '" + file.string() + "' 2>'" + complaint.string() + "'";
+  if (std::system(command.c_str()) == 0) {
+    return {};
+  }
+  const std::string text = ReadBytes(complaint);
+  return text.empty() ? std::string("xmllint failed") : text;
 }
 
 std::string ReadBytes(const std::filesystem::path& path) {

@@ -3,6 +3,7 @@
 // Helpers shared by the test programs.
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -79,6 +80,20 @@ std::string Written(const Record& record) {
   record.WriteXML(root);
   return xml::SaveDocumentToString(document);
 }
+
+// Runs body on a thread of its own with a stack of the given size, so that a
+// test can show a reader stays within a small stack (1 MB, as many hosts give
+// their worker threads).
+void RunOnStack(size_t stack_bytes, const std::function<void()>& body);
+
+// open repeated depth times, then close as often: elements nested depth deep.
+std::string Nested(const std::string& open, const std::string& close, int depth);
+
+// Empty when the strict second parser (libxml2's xmllint) accepts the text
+// as a well-formed XML 1.0 document; otherwise its complaint. Tests skip
+// when xmllint is not installed (scripts/install-deps installs it).
+bool HaveStrictParser();
+std::string StrictParserComplaint(const std::string& xml);
 
 std::string ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes);

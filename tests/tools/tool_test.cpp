@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -65,8 +66,8 @@ TEST_F(ToolTest, VersionNamesBothVersions) {
 TEST_F(ToolTest, ListsAndDescribesTheSampleRipFolder) {
   const ToolRun list = Tool({"list", kExamples.string()});
   ASSERT_EQ(list.status, 0) << list.err;
-  EXPECT_NE(list.out.find("Hexa6\\Coated Paper 600.pmx\n"), std::string::npos) << list.out;
-  EXPECT_NE(list.out.find("Lumen40\\Birch Plywood.pmx\n"), std::string::npos) << list.out;
+  EXPECT_NE(list.out.find("Hexa6/Coated Paper 600.pmx\n"), std::string::npos) << list.out;
+  EXPECT_NE(list.out.find("Lumen40/Birch Plywood.pmx\n"), std::string::npos) << list.out;
 
   const ToolRun info = Tool({"info", (kExamples / "System/pmodes/Hexa6/Coated Paper 600.pmx").string()});
   ASSERT_EQ(info.status, 0) << info.err;
@@ -172,6 +173,69 @@ TEST_F(ToolTest, MediaFailuresGiveOneLine) {
     EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << "one line: " << run.err;
   }
   EXPECT_EQ(Tool({"media", kExamples.string()}).status, 2);
+}
+
+// The one line says what is wrong, not merely that something is.
+TEST_F(ToolTest, FailuresNameTheirCause) {
+  test::TempFolder temp;
+  ASSERT_EQ(::mkfifo((temp.path() / "pipe.pmx").c_str(), 0600), 0);
+  test::WriteBytes(temp.path() / "deep.pmx", std::string(200, '<').replace(0, 5, "<PMH>"));
+  struct Case {
+    std::vector<std::string> args;
+    const char* says;
+  };
+  const Case cases[] = {
+      {{"info", test::DataFile("invalid/empty.pmx").string()}, ": empty file\n"},
+      {{"info", test::DataFile("invalid/truncated.pmx").string()}, ": XML error at line "},
+      {{"info", test::DataFile("invalid/lowercase_root.pmx").string()},
+       "the root element is <pmh>, not <PMH>"},
+      {{"info", TARN_TEST_DATA_DIR}, ": is a folder\n"},
+      {{"info", (temp.path() / "pipe.pmx").string()}, ": not a regular file\n"},
+      {{"curves", test::DataFile("invalid/empty.pmx").string()}, ": empty file\n"},
+      {{"list", test::DataFile("invalid/empty.pmx").string()}, ": not a folder\n"},
+      {{"info", test::DataFile("invalid/printer_truncated.pdx").string()}, "(XML error at line "},
+  };
+  for (const Case& c : cases) {
+    const ToolRun run = Tool(c.args);
+    EXPECT_EQ(run.status, 1) << c.args[1];
+    EXPECT_NE(run.err.find(c.says), std::string::npos) << run.err;
+  }
+}
+
+// Output that cannot be written is a failure with one line, not a silent success.
+TEST_F(ToolTest, AFullDiskGivesOneLineOnStderr) {
+  test::TempFolder temp;
+  const std::string err = (temp.path() / "err").string();
+  for (const std::string& args :
+       {"info \"" + (kExamples / "System/pmodes/Hexa6/Coated Paper 600.pmx").string() + "\"",
+        "list \"" + kExamples.string() + "\""}) {
+    const std::string command =
+        "\"" + std::string(TARN_TOOL_PATH) + "\" " + args + " >/dev/full 2>\"" + err + "\"";
+    const int raw = std::system(command.c_str());
+    EXPECT_EQ(WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, 1) << args;
+    EXPECT_EQ(test::ReadBytes(err), "tarn: cannot write the output: no space left on the disk\n") << args;
+  }
+}
+
+// On a terminal, control characters are shown, not obeyed. Texts inside files
+// lose them as the file loads; file names keep them.
+TEST_F(ToolTest, ControlCharactersAreEscapedOnATerminal) {
+  if (std::system("script --version >/dev/null 2>&1") != 0) {
+    GTEST_SKIP() << "script(1) is not installed";
+  }
+  test::TempFolder rip;
+  fs::create_directories(rip.path() / "System/pmodes/Driver");
+  test::WriteBytes(rip.path() / "System/pmodes/Driver/red\x1b[31m alert\x07.pmx", "<PMH/>");
+  const std::string out = (rip.path() / "out").string();
+  const std::string command = "script -qec '\"" + std::string(TARN_TOOL_PATH) + "\" list \"" +
+                              rip.path().string() + "\"' /dev/null >\"" + out + "\" 2>&1";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const std::string text = test::ReadBytes(out);
+  EXPECT_NE(text.find("Driver/red\\x1b[31m alert\\x07.pmx"), std::string::npos) << text;
+  EXPECT_EQ(text.find('\x1b'), std::string::npos);
+  // Into a file or a pipe the name goes as it is.
+  const ToolRun plain = Tool({"list", rip.path().string()});
+  EXPECT_EQ(plain.out, "Driver/red\x1b[31m alert\x07.pmx\n");
 }
 
 }  // namespace
