@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/text.h"
 #include "tarn/printer/printer_data.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -59,8 +60,7 @@ const CColorDef* CPrintModeData::GetColorModel(const CPrinterData& printer) cons
 }
 
 bool CPrintModeData::IsKeyWordPlaneBasic(const std::wstring& plane) {
-  return plane == L"Cyan" || plane == L"Magenta" || plane == L"Yellow" || plane == L"Black" ||
-         plane == L"Gray";
+  return plates::IsProcessPlane(plane);
 }
 
 bool CPrintModeData::GetPlanes(std::vector<std::pair<std::wstring, bool>>& planes,

@@ -74,6 +74,8 @@ CPrintModeData::CPrintModeData(const std::wstring& path) {
 
 CPrintModeData::CPrintModeData(const CPrintModeData& other) = default;
 CPrintModeData& CPrintModeData::operator=(const CPrintModeData& other) = default;
+CPrintModeData::CPrintModeData(CPrintModeData&& other) noexcept = default;
+CPrintModeData& CPrintModeData::operator=(CPrintModeData&& other) noexcept = default;
 CPrintModeData::~CPrintModeData() = default;
 
 void CPrintModeData::SetHeaderDefaults() {
@@ -189,21 +191,21 @@ struct CPrintModeData::Fields {
   using R = CPrintModeData;
   using F = internal::Field<R>;
 
-  static void WriteVersion(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteVersion(const R& /*r*/, pugi::xml_node node) {
     node.append_attribute(tags::kVersion).set_value(kPrintModeFileVersion);
   }
-  static void WriteCopyright(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteCopyright(const R& /*r*/, pugi::xml_node node) {
     xml::AppendText(node, kCopyright, kCopyrightText);
   }
   // The version of the library that wrote the file, whatever the file said.
-  static void WriteQueueVersion(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteQueueVersion(const R& /*r*/, pugi::xml_node node) {
     xml::AppendText(node, kQueueVersion,
                     Format(L"%d.%d.%d", kQueueVersionMajor, kQueueVersionMinor, kQueueVersionBuild));
   }
   static void ReadSection(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.ReadSection(child);
   }
-  static void WriteSections(const R& r, pugi::xml_node& node) {
+  static void WriteSections(const R& r, pugi::xml_node node) {
     r.WriteSections(node);
     // Laser data only for a printer whose definition says it is a laser device.
     if (r.IsLaserPrinter()) {
