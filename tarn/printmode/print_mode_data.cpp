@@ -5,6 +5,7 @@
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/paths.h"
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
@@ -429,6 +430,27 @@ void CPrintModeData::DisableAllOverrideFlags() {
   icc_profiles_.SetOverrideOutput(false);
   icc_profiles_.SetOverrideOther(false);
   printer_options_.SetOverrideEnable(false);
+}
+
+// --- what the print mode knows of its colour model and resolution by itself ----
+
+std::wstring CPrintModeData::GetColorModeName() const {
+  std::wstring mode = printer_options_.GetColorMode();
+  return mode.empty() ? separations_.GetColorMode() : mode;
+}
+
+bool CPrintModeData::IsKeyWordPlaneBasic(const std::wstring& plane) {
+  return plates::IsProcessPlane(plane);
+}
+
+std::wstring CPrintModeData::GetResolution() const {
+  std::wstring resolution = printer_options_.GetResolutionName();
+  return resolution.empty() ? separations_.GetResolution() : resolution;
+}
+
+void CPrintModeData::SetResolution(const std::wstring& resolution) {
+  printer_options_.SetOptionValue(L"Resolution", resolution);  // the printer option naming it
+  separations_.SetResolution(resolution);
 }
 
 }  // namespace tarn
