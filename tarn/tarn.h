@@ -2,10 +2,12 @@
 
 // Umbrella header: everything tarn offers.
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/format_string.h"
 #include "tarn/foundation/paths.h"
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/registry.h"
 #include "tarn/foundation/tags.h"

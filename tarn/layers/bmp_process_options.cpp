@@ -130,14 +130,14 @@ struct CBmpProcessOptions::Fields {
       r.white_mask2_.ReadXML(child);
     }
   }
-  static void WriteMasks(const R& r, pugi::xml_node& node) {
+  static void WriteMasks(const R& r, pugi::xml_node node) {
     r.white_mask_.WriteXML(node);
     r.white_mask2_.WriteXML(node);
   }
   static void ReadCurve(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.white_curve_.ReadXML(child);
   }
-  static void WriteCurve(const R& r, pugi::xml_node& node) { r.white_curve_.WriteXML(node); }
+  static void WriteCurve(const R& r, pugi::xml_node node) { r.white_curve_.WriteXML(node); }
 
   static const internal::FieldTable<R>& Table() {
     static const internal::FieldTable<R> table(

@@ -302,7 +302,7 @@ struct Layer::Fields {
     printMode->ReadXML(child);
     r.print_mode_ = std::move(printMode);
   }
-  static void WritePrintMode(const R& r, pugi::xml_node& node) {
+  static void WritePrintMode(const R& r, pugi::xml_node node) {
     if (r.print_mode_) {
       r.print_mode_->WriteTarnSection(node);
     }
@@ -313,13 +313,13 @@ struct Layer::Fields {
       r.flood_level_ = static_cast<std::uint8_t>(std::clamp(xml::ReadInt(child), 0, 255));
     }
   }
-  static void WriteFloodLevel(const R& r, pugi::xml_node& node) {
+  static void WriteFloodLevel(const R& r, pugi::xml_node node) {
     xml::AppendInt(node, tag::kFloodLevel, r.flood_level_);
   }
   static void ReadBitmapOptions(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.bitmap_options_.ReadXML(child);
   }
-  static void WriteBitmapOptions(const R& r, pugi::xml_node& node) { r.bitmap_options_.WriteXML(node); }
+  static void WriteBitmapOptions(const R& r, pugi::xml_node node) { r.bitmap_options_.WriteXML(node); }
   // The planes a file lists replace those held, from its first plane on.
   static void ReadPlane(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     if (!child.previous_sibling(tag::kPlaneOptions)) {
@@ -327,7 +327,7 @@ struct Layer::Fields {
     }
     internal::AppendPlane(r.planes_, child);
   }
-  static void WritePlanes(const R& r, pugi::xml_node& node) { internal::WritePlanes(r.planes_, node); }
+  static void WritePlanes(const R& r, pugi::xml_node node) { internal::WritePlanes(r.planes_, node); }
   // The older form gives the planes only when the layer lists none of its own.
   static void ReadOlderChannels(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     if (!child.parent().child(tag::kPlaneOptions)) {

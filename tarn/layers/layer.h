@@ -155,7 +155,6 @@ class TARN_API Layer {
   // names and plane names in order. The cursor and the keyword flag, which are
   // not kept in files, take no part.
   bool operator==(const Layer& other) const;
-  bool operator!=(const Layer& other) const { return !(*this == other); }
 
   // Reads a "Layer" element over the current values (see the format notes):
   // absent or empty elements leave their fields; a stored print mode replaces

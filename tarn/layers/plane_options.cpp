@@ -148,7 +148,7 @@ struct PlanesOptions::Fields {
   static void ReadPlane(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     internal::AppendPlane(r.planes_, child);
   }
-  static void WritePlanes(const R& r, pugi::xml_node& node) { internal::WritePlanes(r.planes_, node); }
+  static void WritePlanes(const R& r, pugi::xml_node node) { internal::WritePlanes(r.planes_, node); }
 
   static const internal::FieldTable<R>& Table() {
     static const internal::FieldTable<R> table(tag::kPlanesOptions,

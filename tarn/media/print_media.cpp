@@ -130,7 +130,7 @@ struct CPrintMedia::Fields {
     r.m_quickSet.ReadXML(node);
     r.m_quickSetInUse = true;
   }
-  static void WriteQuickSet(const R& r, pugi::xml_node& node) {
+  static void WriteQuickSet(const R& r, pugi::xml_node node) {
     if (r.IsTemplate() && r.m_quickSetInUse) {
       r.m_quickSet.WriteXML(node);
     }
@@ -138,7 +138,7 @@ struct CPrintMedia::Fields {
   static void ReadSlots(R& r, const pugi::xml_node& node, internal::ReadContext& /*context*/) {
     r.ReadSlots(node);
   }
-  static void WriteSlots(const R& r, pugi::xml_node& node) {
+  static void WriteSlots(const R& r, pugi::xml_node node) {
     if (r.IsTemplate()) {
       r.WriteSlots(node);
     }

@@ -24,10 +24,10 @@ struct _SlotData::Fields {
   // "Mirror" and "DoCustomPattern" are flags in the file: 1 when the setting
   // is 1 and 0 for anything else, so a setting of 2 reads back as 0. Each is a
   // writer at its place and a row that reads it.
-  static void WriteMirror(const R& r, pugi::xml_node& node) {
+  static void WriteMirror(const R& r, pugi::xml_node node) {
     xml::SetAttributeInt(node, "Mirror", r.mirror == 1 ? 1 : 0);
   }
-  static void WriteDoCustomPattern(const R& r, pugi::xml_node& node) {
+  static void WriteDoCustomPattern(const R& r, pugi::xml_node node) {
     xml::SetAttributeInt(node, "DoCustomPattern", r.doCustomPattern == 1 ? 1 : 0);
   }
 

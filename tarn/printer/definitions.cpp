@@ -13,6 +13,7 @@
 
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/limits.h"
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
@@ -97,7 +98,7 @@ constexpr int kSNMPDefaultTimeout = 1000;
 
 // The process plates the RIP knows by name without any colour-model help.
 bool IsProcessPlate(const std::wstring& name) {
-  return name == L"Cyan" || name == L"Magenta" || name == L"Yellow" || name == L"Black" || name == L"Gray";
+  return plates::IsProcessPlane(name);
 }
 
 bool HasAttribute(const pugi::xml_node& node, const char* name) {

@@ -42,6 +42,8 @@ class TARN_API CColorDef {
   virtual ~CColorDef() = default;
   CColorDef(const CColorDef&) = default;
   CColorDef& operator=(const CColorDef&) = default;
+  CColorDef(CColorDef&&) noexcept = default;
+  CColorDef& operator=(CColorDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element; false only for a null node. Nameless planes are skipped.
@@ -91,6 +93,8 @@ class TARN_API CCustomDef {
   virtual ~CCustomDef() = default;
   CCustomDef(const CCustomDef&) = default;
   CCustomDef& operator=(const CCustomDef&) = default;
+  CCustomDef(CCustomDef&&) noexcept = default;
+  CCustomDef& operator=(CCustomDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element and its nested "CUSTOM" children; false for a null node,
@@ -137,6 +141,8 @@ class TARN_API CPageSizeDef {
   virtual ~CPageSizeDef() = default;
   CPageSizeDef(const CPageSizeDef&) = default;
   CPageSizeDef& operator=(const CPageSizeDef&) = default;
+  CPageSizeDef(CPageSizeDef&&) noexcept = default;
+  CPageSizeDef& operator=(CPageSizeDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element; false only for a null node.
@@ -190,6 +196,8 @@ class TARN_API CDotProfileDef {
   virtual ~CDotProfileDef() = default;
   CDotProfileDef(const CDotProfileDef&) = default;
   CDotProfileDef& operator=(const CDotProfileDef&) = default;
+  CDotProfileDef(CDotProfileDef&&) noexcept = default;
+  CDotProfileDef& operator=(CDotProfileDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element; false only for a null node.
@@ -225,6 +233,8 @@ class TARN_API CSpotDef {
   virtual ~CSpotDef() = default;
   CSpotDef(const CSpotDef&) = default;
   CSpotDef& operator=(const CSpotDef&) = default;
+  CSpotDef(CSpotDef&&) noexcept = default;
+  CSpotDef& operator=(CSpotDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element; false only for a null node.
@@ -256,6 +266,8 @@ class TARN_API CButtonDef {
   virtual ~CButtonDef() = default;
   CButtonDef(const CButtonDef&) = default;
   CButtonDef& operator=(const CButtonDef&) = default;
+  CButtonDef(CButtonDef&&) noexcept = default;
+  CButtonDef& operator=(CButtonDef&&) noexcept = default;
 
   void SetDefaults();
   // Reads the element; false only for a null node.

@@ -18,29 +18,9 @@ void CPMFencePointData::UpdateDotSizeData(const CPrinterData& printer, const std
   }
 }
 
-void CPMFencePointData::ExchangeTrizoneData(const CPMFencePointData& source) {
-  if (&source == this) {
-    return;
-  }
-  profiles_ = source.profiles_;
-  profile_count_ = source.profile_count_;
-  trizones_ = source.trizones_;
-  td_low_ = source.td_low_;
-  td_high_ = source.td_high_;
-  td_limit_ = source.td_limit_;
-}
-
 std::size_t CPMFencePointData::ResetCLinkCompositePlanes(const CColorDef& colors) {
   return std::erase_if(colors_,
                        [&colors](const auto& entry) { return colors.FindPlane(entry.first) == nullptr; });
-}
-
-bool CPMFencePointData::MapColorToData(const std::wstring& color, std::uint32_t position) {
-  if (color.empty() || position >= kMaxProfiles) {
-    return false;
-  }
-  colors_[color] = position;
-  return true;
 }
 
 void CPMFencePointData::InitializeColors(const CColorDef& colors) {

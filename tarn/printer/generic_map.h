@@ -74,6 +74,9 @@ class TARN_API CGenericMap {
     }
     return *this;
   }
+  // A move takes the source's definitions over (no merge).
+  CGenericMap(CGenericMap&& other) noexcept = default;
+  CGenericMap& operator=(CGenericMap&& other) noexcept = default;
   virtual ~CGenericMap() { clear(); }
 
   // Replaces the contents with the children of parent tagged with the section
@@ -113,13 +116,16 @@ class TARN_API CGenericMap {
 
   // The definition stored under name (ignoring case); null for a null or empty
   // name or when there is none. The map keeps ownership.
-  T* Get(const wchar_t* name) const {
+  const T* Get(const wchar_t* name) const {
     if (name == nullptr || *name == L'\0') {
       return nullptr;
     }
     auto found = m_map.find(name);
     return found == m_map.end() ? nullptr : found->second.get();
   }
+  // The map owns its definitions as mutable objects, so handing one out
+  // mutable through a mutable map is sound.
+  T* Get(const wchar_t* name) { return const_cast<T*>(std::as_const(*this).Get(name)); }
 
   // Takes ownership of object and stores it under name, deleting an entry of
   // that name. A null or empty name or a null object does nothing at all: the

@@ -15,7 +15,6 @@ namespace tarn {
 
 namespace {
 
-constexpr const wchar_t* kResolutionOption = L"Resolution";
 constexpr const wchar_t* kColorPlaneOption = L"Color Plane";
 
 // The printer given, or the print mode's own definition loaded by driver name.
@@ -49,18 +48,8 @@ const CColorDef* FindColorModel(const CPrinterData& printer, const std::wstring&
 
 }  // namespace
 
-std::wstring CPrintModeData::GetColorModeName() const {
-  std::wstring mode = printer_options_.GetColorMode();
-  return mode.empty() ? separations_.GetColorMode() : mode;
-}
-
 const CColorDef* CPrintModeData::GetColorModel(const CPrinterData& printer) const {
   return FindColorModel(printer, GetColorModeName());
-}
-
-bool CPrintModeData::IsKeyWordPlaneBasic(const std::wstring& plane) {
-  return plane == L"Cyan" || plane == L"Magenta" || plane == L"Yellow" || plane == L"Black" ||
-         plane == L"Gray";
 }
 
 bool CPrintModeData::GetPlanes(std::vector<std::pair<std::wstring, bool>>& planes,
@@ -91,16 +80,6 @@ bool CPrintModeData::IsKeyWordPlane(const std::wstring& plane, const CPrinterDat
   const CColorDef* model = GetColorModel(*definition);
   const CColorPlaneDef* found = model ? model->FindPlane(plane) : nullptr;
   return found ? found->keyword : IsKeyWordPlaneBasic(plane);
-}
-
-std::wstring CPrintModeData::GetResolution() const {
-  std::wstring resolution = printer_options_.GetResolutionName();
-  return resolution.empty() ? separations_.GetResolution() : resolution;
-}
-
-void CPrintModeData::SetResolution(const std::wstring& resolution) {
-  printer_options_.SetOptionValue(kResolutionOption, resolution);
-  separations_.SetResolution(resolution);
 }
 
 int CPrintModeData::GetBitsPerPixel(const CPrinterData* printer) const {

@@ -121,12 +121,12 @@ bool FindInSubFolders(const std::wstring& folder, const std::wstring& file, int 
   return false;
 }
 
-CCustomDef* FindOption(CCustomDef& option, const wchar_t* name, bool byName) {
+const CCustomDef* FindOption(const CCustomDef& option, const wchar_t* name, bool byName) {
   if ((byName ? option.GetName() : option.GetProc()) == name) {
     return &option;
   }
-  for (CCustomDef& nested : option.GetOptions()) {
-    if (CCustomDef* found = FindOption(nested, name, byName)) {
+  for (const CCustomDef& nested : option.GetOptions()) {
+    if (const CCustomDef* found = FindOption(nested, name, byName)) {
       return found;
     }
   }
@@ -149,7 +149,7 @@ bool AnyHTMOption(const CCustomDef& option) {
 
 // --- the extra lookups of the lists -----------------------------------------
 
-CCustomDef* COptionMap::Get(const wchar_t* name, bool byName) const {
+const CCustomDef* COptionMap::Get(const wchar_t* name, bool byName) const {
   if (name == nullptr) {
     return nullptr;
   }
@@ -157,7 +157,7 @@ CCustomDef* COptionMap::Get(const wchar_t* name, bool byName) const {
     if (!entry.second) {
       return nullptr;
     }
-    if (CCustomDef* found = FindOption(*entry.second, name, byName)) {
+    if (const CCustomDef* found = FindOption(*entry.second, name, byName)) {
       return found;
     }
   }
@@ -169,8 +169,8 @@ namespace {
 // The first definition whose other name (as given by getter) equals name,
 // ignoring case; null for a null name or none.
 template <typename Map, typename Getter>
-auto FindByOtherName(const Map& map, const wchar_t* name, Getter getter)
-    -> decltype(map.begin()->second.get()) {
+auto FindByOtherName(const Map& map, const wchar_t* name, Getter getter) -> const
+    typename Map::mapped_type::element_type* {
   if (name == nullptr) {
     return nullptr;
   }
@@ -184,11 +184,11 @@ auto FindByOtherName(const Map& map, const wchar_t* name, Getter getter)
 
 }  // namespace
 
-CColorDef* CColorMap::Get(const wchar_t* name, bool bySecondName) const {
+const CColorDef* CColorMap::Get(const wchar_t* name, bool bySecondName) const {
   return bySecondName ? FindByOtherName(m_map, name, &CColorDef::GetDisplayName) : CGenericMap::Get(name);
 }
 
-CPageSizeDef* CPageMap::Get(const wchar_t* name, bool byPostScriptName) const {
+const CPageSizeDef* CPageMap::Get(const wchar_t* name, bool byPostScriptName) const {
   return byPostScriptName ? FindByOtherName(m_map, name, &CPageSizeDef::GetPSName) : CGenericMap::Get(name);
 }
 
@@ -472,6 +472,8 @@ bool CPrinterBase::QueryGDIPaper(PrinterPaper& paper) const {
 // --- CPrinterData ------------------------------------------------------------
 
 CPrinterData::CPrinterData(const CPrinterData& other) = default;
+CPrinterData::CPrinterData(CPrinterData&& other) noexcept = default;
+CPrinterData& CPrinterData::operator=(CPrinterData&& other) noexcept = default;
 
 CPrinterData& CPrinterData::operator=(const CPrinterData& other) {
   if (this == &other) {

@@ -26,6 +26,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/platform.h"
@@ -64,7 +65,10 @@ class TARN_API COptionMap : public CGenericMap<CCustomDef> {
   // Walks the options in key order and returns the first whose name (byName)
   // or keyword (otherwise) equals name exactly, looking through each option's
   // nested options before going on to the next. Null when none matches.
-  CCustomDef* Get(const wchar_t* name, bool byName) const;
+  const CCustomDef* Get(const wchar_t* name, bool byName) const;
+  CCustomDef* Get(const wchar_t* name, bool byName) {
+    return const_cast<CCustomDef*>(std::as_const(*this).Get(name, byName));
+  }
   using CGenericMap::Get;
 };
 
@@ -74,7 +78,10 @@ class TARN_API CColorMap : public CGenericMap<CColorDef> {
 
   // With bySecondName, the first colour model in key order whose display name
   // equals name ignoring case; otherwise the keyed lookup. Null when none.
-  CColorDef* Get(const wchar_t* name, bool bySecondName) const;
+  const CColorDef* Get(const wchar_t* name, bool bySecondName) const;
+  CColorDef* Get(const wchar_t* name, bool bySecondName) {
+    return const_cast<CColorDef*>(std::as_const(*this).Get(name, bySecondName));
+  }
   using CGenericMap::Get;
 };
 
@@ -84,7 +91,10 @@ class TARN_API CPageMap : public CGenericMap<CPageSizeDef> {
 
   // With byPostScriptName, the first page size in key order whose PostScript
   // name equals name ignoring case; otherwise the keyed lookup. Null when none.
-  CPageSizeDef* Get(const wchar_t* name, bool byPostScriptName) const;
+  const CPageSizeDef* Get(const wchar_t* name, bool byPostScriptName) const;
+  CPageSizeDef* Get(const wchar_t* name, bool byPostScriptName) {
+    return const_cast<CPageSizeDef*>(std::as_const(*this).Get(name, byPostScriptName));
+  }
   using CGenericMap::Get;
 
   // Appends every page size's name, in key order, to out (not cleared first).
@@ -118,6 +128,8 @@ class TARN_API CPrinterBase {
   virtual ~CPrinterBase() = default;
   CPrinterBase(const CPrinterBase&) = default;
   CPrinterBase& operator=(const CPrinterBase&) = default;
+  CPrinterBase(CPrinterBase&&) noexcept = default;
+  CPrinterBase& operator=(CPrinterBase&&) noexcept = default;
 
   // Every key to its default, as after construction.
   void SetDefaults();
@@ -366,6 +378,8 @@ class TARN_API CPrinterData : public CPrinterBase {
   // Deep copies; assignment replaces every list (it does not merge).
   CPrinterData(const CPrinterData& other);
   CPrinterData& operator=(const CPrinterData& other);
+  CPrinterData(CPrinterData&& other) noexcept;
+  CPrinterData& operator=(CPrinterData&& other) noexcept;
 
   // The file of the definition named driver (with or without ".pdx"): the RIP
   // folder's "System\\printers\\<driver>.pdx", else the first file of that name
@@ -401,8 +415,12 @@ class TARN_API CPrinterData : public CPrinterBase {
   bool IsHTMPrinter() const;
 
   // The resolution of that label / colour model of that name (ignoring case), or null.
-  CResolutionDef* GetResolution(const std::wstring& label) const { return m_resolutions.Get(label.c_str()); }
-  CColorDef* GetColorModel(const std::wstring& name) const { return m_colors.Get(name.c_str()); }
+  const CResolutionDef* GetResolution(const std::wstring& label) const {
+    return m_resolutions.Get(label.c_str());
+  }
+  CResolutionDef* GetResolution(const std::wstring& label) { return m_resolutions.Get(label.c_str()); }
+  const CColorDef* GetColorModel(const std::wstring& name) const { return m_colors.Get(name.c_str()); }
+  CColorDef* GetColorModel(const std::wstring& name) { return m_colors.Get(name.c_str()); }
 
   CButtonMap& GetButtons() { return m_buttons; }
   const CButtonMap& GetButtons() const { return m_buttons; }

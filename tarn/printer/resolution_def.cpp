@@ -56,6 +56,8 @@ CResolutionDef& CResolutionDef::operator=(const CResolutionDef& other) {
   return *this;
 }
 
+CResolutionDef::CResolutionDef(CResolutionDef&& other) noexcept = default;
+CResolutionDef& CResolutionDef::operator=(CResolutionDef&& other) noexcept = default;
 CResolutionDef::~CResolutionDef() = default;
 
 void CResolutionDef::CopyFrom(const CResolutionDef& other) {

@@ -34,6 +34,8 @@ class TARN_API CResolutionDef {
   // Copies every field and a deep copy of the fence points (when there are any).
   CResolutionDef(const CResolutionDef& other);
   CResolutionDef& operator=(const CResolutionDef& other);
+  CResolutionDef(CResolutionDef&& other) noexcept;
+  CResolutionDef& operator=(CResolutionDef&& other) noexcept;
   virtual ~CResolutionDef();
 
   // Restores the defaults, except the valid dot size text, which a re-read
@@ -46,7 +48,8 @@ class TARN_API CResolutionDef {
   bool ReadXML(const pugi::xml_node& node);
 
   // The fence-point record of this resolution, or null; owned by the record.
-  CPMFencePointData* GetFencePoints() const { return m_fencePoints; }
+  const CPMFencePointData* GetFencePoints() const { return m_fencePoints; }
+  CPMFencePointData* GetFencePoints() { return m_fencePoints; }
 
   // The label is the key of the resolution in its printer's map.
   const std::wstring& GetName() const { return m_label; }

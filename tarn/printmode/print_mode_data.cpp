@@ -5,6 +5,7 @@
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/paths.h"
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
@@ -75,6 +76,8 @@ CPrintModeData::CPrintModeData(const std::wstring& path) {
 
 CPrintModeData::CPrintModeData(const CPrintModeData& other) = default;
 CPrintModeData& CPrintModeData::operator=(const CPrintModeData& other) = default;
+CPrintModeData::CPrintModeData(CPrintModeData&& other) noexcept = default;
+CPrintModeData& CPrintModeData::operator=(CPrintModeData&& other) noexcept = default;
 CPrintModeData::~CPrintModeData() = default;
 
 void CPrintModeData::SetHeaderDefaults() {
@@ -190,21 +193,21 @@ struct CPrintModeData::Fields {
   using R = CPrintModeData;
   using F = internal::Field<R>;
 
-  static void WriteVersion(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteVersion(const R& /*r*/, pugi::xml_node node) {
     node.append_attribute(tags::kVersion).set_value(kPrintModeFileVersion);
   }
-  static void WriteCopyright(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteCopyright(const R& /*r*/, pugi::xml_node node) {
     xml::AppendText(node, kCopyright, kCopyrightText);
   }
   // The version of the library that wrote the file, whatever the file said.
-  static void WriteQueueVersion(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteQueueVersion(const R& /*r*/, pugi::xml_node node) {
     xml::AppendText(node, kQueueVersion,
                     Format(L"%d.%d.%d", kQueueVersionMajor, kQueueVersionMinor, kQueueVersionBuild));
   }
   static void ReadSection(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.ReadSection(child);
   }
-  static void WriteSections(const R& r, pugi::xml_node& node) {
+  static void WriteSections(const R& r, pugi::xml_node node) {
     r.WriteSections(node);
     // Laser data only for a printer whose definition says it is a laser device.
     if (r.IsLaserPrinter()) {
@@ -444,6 +447,27 @@ void CPrintModeData::DisableAllOverrideFlags() {
   icc_profiles_.SetOverrideOutput(false);
   icc_profiles_.SetOverrideOther(false);
   printer_options_.SetOverrideEnable(false);
+}
+
+// --- what the print mode knows of its colour model and resolution by itself ----
+
+std::wstring CPrintModeData::GetColorModeName() const {
+  std::wstring mode = printer_options_.GetColorMode();
+  return mode.empty() ? separations_.GetColorMode() : mode;
+}
+
+bool CPrintModeData::IsKeyWordPlaneBasic(const std::wstring& plane) {
+  return plates::IsProcessPlane(plane);
+}
+
+std::wstring CPrintModeData::GetResolution() const {
+  std::wstring resolution = printer_options_.GetResolutionName();
+  return resolution.empty() ? separations_.GetResolution() : resolution;
+}
+
+void CPrintModeData::SetResolution(const std::wstring& resolution) {
+  printer_options_.SetOptionValue(L"Resolution", resolution);  // the printer option naming it
+  separations_.SetResolution(resolution);
 }
 
 }  // namespace tarn

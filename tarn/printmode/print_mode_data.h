@@ -64,6 +64,8 @@ class TARN_API CPrintModeData {
   explicit CPrintModeData(const std::wstring& path);
   CPrintModeData(const CPrintModeData& other);
   CPrintModeData& operator=(const CPrintModeData& other);
+  CPrintModeData(CPrintModeData&& other) noexcept;
+  CPrintModeData& operator=(CPrintModeData&& other) noexcept;
   ~CPrintModeData();
 
   // Header to defaults; with headerOnly false every section too.
@@ -113,7 +115,6 @@ class TARN_API CPrintModeData {
 
   // Compares the settings that shape the output; header and metadata take no part.
   bool operator==(const CPrintModeData& other) const;
-  bool operator!=(const CPrintModeData& other) const { return !(*this == other); }
 
   // Set or clear every override flag of the sections: the enable switches
   // that the transfers, separations, halftones and printer options keep as

@@ -254,7 +254,7 @@ bool CPMCurveData::ReadXML(const pugi::xml_node& node) {
   return true;
 }
 
-void CPMCurveData::WriteXML(pugi::xml_node& parent, bool /*flag*/, unsigned int version) const {
+void CPMCurveData::WriteXML(pugi::xml_node parent, bool /*flag*/, unsigned int version) const {
   pugi::xml_node node = xml::AppendElement(parent, version != 0 ? kTagCurveData2 : kTagCurveData);
   xml::SetAttribute(node, kAttrName, name_);
   xml::SetAttribute(node, kAttrType, density_mode_ ? L"1" : L"0");
@@ -502,7 +502,7 @@ bool CCurveData::ReadXML(const pugi::xml_node& node) {
   return true;
 }
 
-void CCurveData::WriteXML(pugi::xml_node& parent) const {
+void CCurveData::WriteXML(pugi::xml_node parent) const {
   pugi::xml_node node = xml::AppendElement(parent, kTagListCurve);
   xml::AppendText(node, kTagListName, name_);
   WritePoints(node, points_, DENSITY_DEFAULTS);

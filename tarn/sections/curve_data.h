@@ -78,7 +78,7 @@ class TARN_API CPMCurveData {
   bool ReadXML(const pugi::xml_node& node);
   // Appends "CURVEDATA" (version 0) or "CURVEDATA2" (any other version) to
   // parent. The flag is accepted for callers' sake and has no effect.
-  void WriteXML(pugi::xml_node& parent, bool flag, unsigned int version) const;
+  void WriteXML(pugi::xml_node parent, bool flag, unsigned int version) const;
 
   void SetName(const std::wstring& name) { name_ = name; }
   const std::wstring& GetName() const { return name_; }
@@ -175,7 +175,7 @@ class TARN_API CCurveData {
   // the curve defaulted, when node is not such an element.
   bool ReadXML(const pugi::xml_node& node);
   // Appends a "CurveData" element to parent.
-  void WriteXML(pugi::xml_node& parent) const;
+  void WriteXML(pugi::xml_node parent) const;
 
   // Curves in lists are identified by name: both compare the names only (ordinal).
   bool operator==(const CCurveData& other) const { return name_ == other.name_; }

@@ -397,4 +397,24 @@ void CPMFencePointData::WriteXML(pugi::xml_node parent) const {
   xml::AppendInt(node, tag::kInkRemovalShape, ink_removal_shape_);
 }
 
+void CPMFencePointData::ExchangeTrizoneData(const CPMFencePointData& source) {
+  if (&source == this) {
+    return;
+  }
+  profiles_ = source.profiles_;
+  profile_count_ = source.profile_count_;
+  trizones_ = source.trizones_;
+  td_low_ = source.td_low_;
+  td_high_ = source.td_high_;
+  td_limit_ = source.td_limit_;
+}
+
+bool CPMFencePointData::MapColorToData(const std::wstring& color, std::uint32_t position) {
+  if (color.empty() || position >= kMaxProfiles) {
+    return false;
+  }
+  colors_[color] = position;
+  return true;
+}
+
 }  // namespace tarn

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/registry.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
@@ -47,8 +48,8 @@ constexpr std::array<SpotShape, CPMHalftoneOption::kShapeCount> kSpotShapes = {{
 }};
 
 // Plate numbers of the five standard screens.
-constexpr std::array<std::wstring_view, 5> kPlates = {L"Cyan", L"Magenta", L"Yellow", L"Black", L"Spot"};
-constexpr std::wstring_view kBlack = L"Black";
+constexpr std::array<std::wstring_view, 5> kPlates = {plates::kCyan, plates::kMagenta, plates::kYellow,
+                                                      plates::kBlack, plates::kSpot};
 
 // Tags of a screen and of the section, shared by readers and writers.
 namespace tag {
@@ -97,13 +98,13 @@ int TruncateFrequency(double frequency) {
 
 // Default screen angles that keep the process plates from forming moiré.
 double DefaultAngle(std::wstring_view plate) {
-  if (EqualsNoCase(plate, L"Cyan")) {
+  if (EqualsNoCase(plate, plates::kCyan)) {
     return 108.0;
   }
-  if (EqualsNoCase(plate, L"Magenta")) {
+  if (EqualsNoCase(plate, plates::kMagenta)) {
     return 90.0;
   }
-  if (EqualsNoCase(plate, L"Yellow")) {
+  if (EqualsNoCase(plate, plates::kYellow)) {
     return 161.0;
   }
   return 45.0;
@@ -173,7 +174,7 @@ void CPMHalftoneOption::SetShape(const wchar_t* text) {
 }
 
 bool CPMHalftoneOption::IsBlackPlate() const {
-  return EqualsNoCase(plate_, kBlack);
+  return EqualsNoCase(plate_, plates::kBlack);
 }
 
 bool CPMHalftoneOption::GetPlate(unsigned plate, std::wstring& name) {
@@ -213,7 +214,7 @@ bool CPMHalftoneOption::ReadXML(const pugi::xml_node& node, unsigned int& fields
   return true;
 }
 
-void CPMHalftoneOption::WriteXML(pugi::xml_node& parent, const std::wstring& key) const {
+void CPMHalftoneOption::WriteXML(pugi::xml_node parent, const std::wstring& key) const {
   pugi::xml_node node = xml::AppendElement(parent, kElementName);
   xml::SetAttribute(node, tags::kName, key);
   xml::AppendText(node, tag::kShape, GetShapeName(shape_));
@@ -275,31 +276,6 @@ CPMHalftoneData::CPMHalftoneData() {
   SetDefaults();
 }
 
-CPMHalftoneData::CPMHalftoneData(const CPMHalftoneData& other)
-    : jitter_(other.jitter_),
-      enable_(other.enable_),
-      is_used_(other.is_used_),
-      use_same_shape_(other.use_same_shape_),
-      use_super_cell_(other.use_super_cell_),
-      use_app_halftoning_(other.use_app_halftoning_),
-      use_app_spot_function_(other.use_app_spot_function_),
-      options_(other.options_) {}
-
-CPMHalftoneData& CPMHalftoneData::operator=(const CPMHalftoneData& other) {
-  if (this != &other) {
-    jitter_ = other.jitter_;
-    enable_ = other.enable_;
-    is_used_ = other.is_used_;
-    use_same_shape_ = other.use_same_shape_;
-    use_super_cell_ = other.use_super_cell_;
-    use_app_halftoning_ = other.use_app_halftoning_;
-    use_app_spot_function_ = other.use_app_spot_function_;
-    options_ = other.options_;
-    cursor_.reset();
-  }
-  return *this;
-}
-
 bool CPMHalftoneData::operator==(const CPMHalftoneData& other) const {
   return jitter_ == other.jitter_ && enable_ == other.enable_ && is_used_ == other.is_used_ &&
          use_same_shape_ == other.use_same_shape_ && use_super_cell_ == other.use_super_cell_ &&
@@ -321,7 +297,7 @@ void CPMHalftoneData::SetDefaults() {
 
 void CPMHalftoneData::ClearHalftones() {
   options_.clear();
-  cursor_.reset();
+  cursor_.Stop();
 }
 
 void CPMHalftoneData::InitializeHalftones() {
@@ -337,7 +313,7 @@ void CPMHalftoneData::VerifyHalftones() {
     if (options_.find(name) == options_.end()) {
       // A missing Black screen goes under "Balck" and is made anew each time;
       // existing print modes carry that key, so it must stay as it is.
-      const std::wstring key = plate == kBlack ? std::wstring(L"Balck") : name;
+      const std::wstring key = plate == plates::kBlack ? std::wstring(L"Balck") : name;
       options_.insert_or_assign(key, GetDefaultHaftone(name));
     }
   }
@@ -358,17 +334,17 @@ const CPMHalftoneOption* CPMHalftoneData::GetHalftoneOption(const std::wstring& 
 }
 
 CPMHalftoneOption* CPMHalftoneData::GetFirstHalftone(std::wstring* key) {
-  cursor_.reset();
-  return GetNextHalftone(key);
+  return ReturnHalftone(cursor_.First(options_), key);
 }
 
 CPMHalftoneOption* CPMHalftoneData::GetNextHalftone(std::wstring* key) {
-  const auto it = cursor_ ? options_.upper_bound(*cursor_) : options_.begin();
+  return ReturnHalftone(cursor_.Next(options_), key);
+}
+
+CPMHalftoneOption* CPMHalftoneData::ReturnHalftone(HalftoneMap::iterator it, std::wstring* key) {
   if (it == options_.end()) {
-    cursor_ = options_.empty() ? std::nullopt : std::optional<std::wstring>(options_.rbegin()->first);
     return nullptr;
   }
-  cursor_ = it->first;
   if (key != nullptr) {
     *key = it->first;
   }
@@ -442,7 +418,7 @@ bool CPMHalftoneData::ReadXML(const pugi::xml_node& node) {
   return true;
 }
 
-void CPMHalftoneData::WriteXML(pugi::xml_node& parent) const {
+void CPMHalftoneData::WriteXML(pugi::xml_node parent) const {
   if (!is_used_) {
     return;
   }
@@ -478,7 +454,7 @@ bool CPMHalftoneData::ReadJitterXML(const pugi::xml_node& node, JitterTable& jit
   return true;
 }
 
-void CPMHalftoneData::WriteJitterXML(pugi::xml_node& parent, const JitterTable& jitter) {
+void CPMHalftoneData::WriteJitterXML(pugi::xml_node parent, const JitterTable& jitter) {
   pugi::xml_node node = xml::AppendElement(parent, tag::kJitterData);
   for (const auto& [key, value] : jitter) {
     pugi::xml_node entry = xml::AppendElement(node, tag::kJitterValue);

@@ -42,6 +42,7 @@
 #include <utility>
 #include <vector>
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/format_string.h"
 
@@ -112,7 +113,7 @@ class TARN_API CPMHalftoneOption {
   // known children read. False when node is not a "HALFTONE" element.
   bool ReadXML(const pugi::xml_node& node, unsigned int& fields);
   // Appends a "HALFTONE" element named key to parent.
-  void WriteXML(pugi::xml_node& parent, const std::wstring& key) const;
+  void WriteXML(pugi::xml_node parent, const std::wstring& key) const;
 
   // Appends the screen's halftone dictionary entry.
   void AppendHFTPostscript(formatstringT& buffer) const;
@@ -146,8 +147,11 @@ class TARN_API CPMHalftoneData {
   using HalftoneMap = std::map<std::wstring, CPMHalftoneOption>;
 
   CPMHalftoneData();
-  CPMHalftoneData(const CPMHalftoneData& other);
-  CPMHalftoneData& operator=(const CPMHalftoneData& other);
+  CPMHalftoneData(const CPMHalftoneData& other) = default;
+  CPMHalftoneData& operator=(const CPMHalftoneData& other) = default;
+  CPMHalftoneData(CPMHalftoneData&& other) noexcept = default;
+  CPMHalftoneData& operator=(CPMHalftoneData&& other) noexcept = default;
+  ~CPMHalftoneData() = default;
 
   // Compares the switches, the jitter table and the screens (not the cursor).
   bool operator==(const CPMHalftoneData& other) const;
@@ -211,15 +215,18 @@ class TARN_API CPMHalftoneData {
   // section unchanged, when node is not "HALFTONEDATA".
   bool ReadXML(const pugi::xml_node& node);
   // Appends "HALFTONEDATA" to parent, or nothing when the section is unused.
-  void WriteXML(pugi::xml_node& parent) const;
+  void WriteXML(pugi::xml_node parent) const;
 
   // Replaces jitter by the entries of the "JitterData" element node; false,
   // jitter unchanged, when node is not "JitterData".
   static bool ReadJitterXML(const pugi::xml_node& node, JitterTable& jitter);
   // Appends "JitterData" with one "JitterValue" per entry, even when empty.
-  static void WriteJitterXML(pugi::xml_node& parent, const JitterTable& jitter);
+  static void WriteJitterXML(pugi::xml_node parent, const JitterTable& jitter);
 
  private:
+  // The screen at it and its key, or null at the end (key untouched).
+  CPMHalftoneOption* ReturnHalftone(HalftoneMap::iterator it, std::wstring* key);
+
   JitterTable jitter_;
   bool enable_ = false;
   bool is_used_ = false;
@@ -228,7 +235,7 @@ class TARN_API CPMHalftoneData {
   bool use_app_halftoning_ = false;
   bool use_app_spot_function_ = false;
   HalftoneMap options_;
-  std::optional<std::wstring> cursor_;  // key GetFirst/GetNextHalftone returned last
+  Cursor<std::wstring> cursor_;  // of GetFirstHalftone/GetNextHalftone
 };
 
 }  // namespace tarn

@@ -171,7 +171,7 @@ bool CLaserPen::ReadXML(const pugi::xml_node& node) {
 
 // --- CVectorPenList ------------------------------------------------------
 
-CVectorPenList::CVectorPenList(const CVectorPenList& other) : position_(other.position_) {
+CVectorPenList::CVectorPenList(const CVectorPenList& other) : cursor_(other.cursor_) {
   pens_.reserve(other.pens_.size());
   for (const auto& pen : other.pens_) {
     pens_.push_back(std::make_unique<CLaserPen>(*pen));
@@ -268,15 +268,13 @@ CLaserPen* CVectorPenList::GetPenByName(const std::wstring& name) {
 }
 
 CLaserPen* CVectorPenList::GetFirstPen() {
-  position_ = 0;
-  return GetNextPen();
+  const auto position = cursor_.FirstIndex(pens_.size());
+  return position ? pens_[*position].get() : nullptr;
 }
 
 CLaserPen* CVectorPenList::GetNextPen() {
-  if (position_ >= pens_.size()) {
-    return nullptr;
-  }
-  return pens_[position_++].get();
+  const auto position = cursor_.NextIndex(pens_.size());
+  return position ? pens_[*position].get() : nullptr;
 }
 
 void CVectorPenList::ReorderPens() {
@@ -312,19 +310,19 @@ struct CPMLaserData::Fields {
   using R = CPMLaserData;
   using F = internal::Field<R>;
 
-  static void WriteVersion(const R& /*r*/, pugi::xml_node& node) {
+  static void WriteVersion(const R& /*r*/, pugi::xml_node node) {
     xml::SetAttributeInt(node, kAttrVersion, kLaserVersion);
   }
   static void ReadCurve(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.power_curve_.ReadXML(child);
   }
-  static void WriteCurve(const R& r, pugi::xml_node& node) { r.power_curve_.WriteXML(node, false, 0); }
+  static void WriteCurve(const R& r, pugi::xml_node node) { r.power_curve_.WriteXML(node, false, 0); }
   // The fixture is in use exactly when its diameter is in the file.
   static void ReadRotary(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
     r.rotary_fixture_ = xml::ReadReal(child);
     r.use_rotary_fixture_ = true;
   }
-  static void WriteRotary(const R& r, pugi::xml_node& node) {
+  static void WriteRotary(const R& r, pugi::xml_node node) {
     if (r.use_rotary_fixture_) {
       xml::AppendReal(node, kTagRotaryFixture, r.rotary_fixture_);
     }
@@ -335,7 +333,7 @@ struct CPMLaserData::Fields {
       r.pens_.AddPen(pen);
     }
   }
-  static void WritePens(const R& r, pugi::xml_node& node) { r.pens_.WriteXML(node); }
+  static void WritePens(const R& r, pugi::xml_node node) { r.pens_.WriteXML(node); }
 
   static const internal::FieldTable<R>& Table() {
     static const internal::FieldTable<R> table(

@@ -37,6 +37,7 @@
 #include <string>
 #include <vector>
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/sections/curve_data.h"
 
@@ -220,7 +221,7 @@ class TARN_API CVectorPenList {
   void ReorderPens();
 
   std::vector<std::unique_ptr<CLaserPen>> pens_;
-  size_t position_ = 0;
+  Cursor<size_t> cursor_;  // of GetFirstPen/GetNextPen
 };
 
 // The laser section of a print mode.

@@ -104,7 +104,7 @@ struct CPMMaxInkData::Fields {
       r.c_ = CMaxInkValue{0, v[3]};
     }
   }
-  static void WriteData(const R& r, pugi::xml_node& node) {
+  static void WriteData(const R& r, pugi::xml_node node) {
     xml::AppendText(node, tag::kData,
                     Format(kDataFormat, r.a_.value, r.a_.value, r.b_.value, r.c_.value, 0.0, 0.0));
   }
@@ -115,7 +115,7 @@ struct CPMMaxInkData::Fields {
     }
   }
   // Written only while the old limit is in force.
-  static void WriteOldData(const R& r, pugi::xml_node& node) {
+  static void WriteOldData(const R& r, pugi::xml_node node) {
     if (r.use_old_) {
       xml::AppendReal(node, tag::kOldData, r.old_max_ink_, kOldDataFormat);
     }

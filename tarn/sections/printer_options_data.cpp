@@ -22,8 +22,7 @@ void CPMPrinterOptionsData::SetDefaults() {
   override_enable_ = false;
   advanced_ = false;
   options_.clear();
-  iteration_name_.clear();
-  iterating_ = false;
+  cursor_.Stop();
 }
 
 const std::wstring* CPMPrinterOptionsData::GetOptionValue(const std::wstring& name) const {
@@ -32,26 +31,21 @@ const std::wstring* CPMPrinterOptionsData::GetOptionValue(const std::wstring& na
 }
 
 bool CPMPrinterOptionsData::ReturnOption(OptionMap::const_iterator it, std::wstring& name,
-                                         std::wstring& value) {
-  iterating_ = it != options_.end();
-  if (!iterating_) {
+                                         std::wstring& value) const {
+  if (it == options_.end()) {
     return false;
   }
-  iteration_name_ = it->first;
   name = it->first;
   value = it->second;
   return true;
 }
 
 bool CPMPrinterOptionsData::GetFirstOption(std::wstring& name, std::wstring& value) {
-  return ReturnOption(options_.cbegin(), name, value);
+  return ReturnOption(cursor_.First(options_), name, value);
 }
 
 bool CPMPrinterOptionsData::GetNextOption(std::wstring& name, std::wstring& value) {
-  if (!iterating_) {
-    return false;
-  }
-  return ReturnOption(options_.upper_bound(iteration_name_), name, value);
+  return ReturnOption(cursor_.Next(options_), name, value);
 }
 
 std::wstring CPMPrinterOptionsData::GetResolutionName() const {
@@ -106,7 +100,7 @@ struct CPMPrinterOptionsData::Fields {
       r.options_[name] = std::move(value);
     }
   }
-  static void WriteOptions(const R& r, pugi::xml_node& node) {
+  static void WriteOptions(const R& r, pugi::xml_node node) {
     for (const auto& [name, value] : r.options_) {
       pugi::xml_node option = xml::AppendElement(node, kTagOption);
       xml::AppendText(option, kTagProc, name);

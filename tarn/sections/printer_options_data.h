@@ -27,6 +27,7 @@
 #include <map>
 #include <string>
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 
 namespace tarn {
@@ -106,15 +107,12 @@ class TARN_API CPMPrinterOptionsData {
   struct Fields;  // the field table, in the source file
 
   void SetExisting(const wchar_t* name, const wchar_t* value);
-  bool ReturnOption(OptionMap::const_iterator it, std::wstring& name, std::wstring& value);
+  bool ReturnOption(OptionMap::const_iterator it, std::wstring& name, std::wstring& value) const;
 
   bool override_enable_ = false;
   bool advanced_ = false;
   OptionMap options_;
-  // Name last returned by GetFirstOption/GetNextOption; kept as a name, not an
-  // iterator, so that edits between the calls cannot invalidate it.
-  std::wstring iteration_name_;
-  bool iterating_ = false;
+  Cursor<std::wstring> cursor_;  // of GetFirstOption/GetNextOption
 };
 
 }  // namespace tarn

@@ -29,7 +29,7 @@ void CPMSeparationData::SetDefaults() {
 
 void CPMSeparationData::ClearPlanes() {
   planes_.clear();
-  cursor_.reset();
+  cursor_.Stop();
 }
 
 bool CPMSeparationData::AddPlane(const std::wstring& name, std::unique_ptr<ChannelQueue>&& channels) {
@@ -70,19 +70,19 @@ unsigned CPMSeparationData::GetPlaneChannelCount(const std::wstring& name) const
 }
 
 CPMSeparationData::ChannelQueue* CPMSeparationData::GetFirstPlane(std::wstring& name) {
-  cursor_.reset();
-  return GetNextPlane(name);
+  return ReturnPlane(cursor_.First(planes_), name);
 }
 
 CPMSeparationData::ChannelQueue* CPMSeparationData::GetNextPlane(std::wstring& name) {
-  const auto next = cursor_ ? planes_.upper_bound(*cursor_) : planes_.begin();
-  if (next == planes_.end()) {
-    cursor_.reset();
+  return ReturnPlane(cursor_.Next(planes_), name);
+}
+
+CPMSeparationData::ChannelQueue* CPMSeparationData::ReturnPlane(PlaneMap::iterator it, std::wstring& name) {
+  if (it == planes_.end()) {
     return nullptr;
   }
-  cursor_ = next->first;
-  name = next->first;
-  return &next->second;
+  name = it->first;
+  return &it->second;
 }
 
 CPMCurveData* CPMSeparationData::GetChannel(const std::wstring& planeName, unsigned index) {
@@ -186,7 +186,7 @@ bool CPMSeparationData::ReadXML(const pugi::xml_node& node, bool keep) {
   return true;
 }
 
-void CPMSeparationData::WriteXML(pugi::xml_node& parent) const {
+void CPMSeparationData::WriteXML(pugi::xml_node parent) const {
   pugi::xml_node node = xml::AppendElement(parent, kTagSeparation);
   xml::SetAttribute(node, kAttrName, color_mode_);
   if (!identifier_.empty()) {

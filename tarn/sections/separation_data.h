@@ -39,6 +39,7 @@
 #include <utility>
 #include <vector>
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/sections/curve_data.h"
 
@@ -115,15 +116,17 @@ class TARN_API CPMSeparationData {
   // existing ones). Returns false when no "SEPARATION" element was found.
   bool ReadXML(const pugi::xml_node& node, bool keep);
   // Appends a "SEPARATION" element to parent.
-  void WriteXML(pugi::xml_node& parent) const;
+  void WriteXML(pugi::xml_node parent) const;
 
   // Equal when every field, every plane and every channel (as CPMCurveData
   // compares them) are equal.
   bool operator==(const CPMSeparationData& other) const;
-  bool operator!=(const CPMSeparationData& other) const { return !(*this == other); }
 
  private:
   using PlaneMap = std::map<std::wstring, ChannelQueue>;
+
+  // The queue at it, setting name; null at the end (name untouched).
+  ChannelQueue* ReturnPlane(PlaneMap::iterator it, std::wstring& name);
 
   std::uint32_t reserved_ = 0;  // cleared by every reset; nothing reads it
   bool enable_ = false;
@@ -131,9 +134,7 @@ class TARN_API CPMSeparationData {
   std::wstring color_mode_;
   std::wstring identifier_;
   PlaneMap planes_;
-  // Plane last handed out by GetFirstPlane/GetNextPlane; a key rather than an
-  // iterator, so that copies and edits never leave it dangling.
-  std::optional<std::wstring> cursor_;
+  Cursor<std::wstring> cursor_;  // of GetFirstPlane/GetNextPlane
 };
 
 }  // namespace tarn

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "tarn/foundation/plates.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
@@ -24,16 +25,17 @@ struct PlaneEntry {
   unsigned long draw_color;  // 0x00BBGGRR
 };
 
+// data() of the plate names is safe: they are views of whole literals.
 // Plane 3's default name is upper case while files say "Yellow": both
 // spellings are kept, as saved print modes and callers use each of them.
 constexpr PlaneEntry kPlanes[CPMTransferData::kPlaneCount] = {
     {L"All", L"All", 0},
-    {L"Cyan", L"Cyan", 0xFFFF00},
-    {L"Magenta", L"Magenta", 0xFF00FF},
-    {L"YELLOW", L"Yellow", 0x00FFFF},
-    {L"Black", L"Black", 0},
-    {L"Hex0", L"Hex0", 0},
-    {L"Hex1", L"Hex1", 0},
+    {plates::kCyan.data(), plates::kCyan.data(), 0xFFFF00},
+    {plates::kMagenta.data(), plates::kMagenta.data(), 0xFF00FF},
+    {L"YELLOW", plates::kYellow.data(), 0x00FFFF},
+    {plates::kBlack.data(), plates::kBlack.data(), 0},
+    {plates::kHex0.data(), plates::kHex0.data(), 0},
+    {plates::kHex1.data(), plates::kHex1.data(), 0},
 };
 
 // The plane a curve of the per-plane form belongs to, by its name; any name
@@ -62,14 +64,14 @@ void CPMTransferData::SetDefaults() {
   use_all_ = false;
   max_ink_ = 400;
   in_rip_seps_ = false;
-  cursor_.reset();
+  cursor_.Stop();
   InitializeCurves();
 }
 
 void CPMTransferData::ClearData() {
   curves_.clear();
   curves2_.clear();
-  cursor_.reset();
+  cursor_.Stop();
 }
 
 void CPMTransferData::InitializeCurves() {
@@ -114,18 +116,13 @@ void CPMTransferData::SetCurve(unsigned plane, const CPMCurveData& curve, unsign
 }
 
 CPMCurveData* CPMTransferData::GetFirstCurve() {
-  cursor_.reset();
-  return GetNextCurve();
+  const auto it = cursor_.First(curves_);
+  return it == curves_.end() ? nullptr : &it->second;
 }
 
 CPMCurveData* CPMTransferData::GetNextCurve() {
-  const auto next = cursor_ ? curves_.upper_bound(*cursor_) : curves_.begin();
-  if (next == curves_.end()) {
-    cursor_.reset();
-    return nullptr;
-  }
-  cursor_ = next->first;
-  return &next->second;
+  const auto it = cursor_.Next(curves_);
+  return it == curves_.end() ? nullptr : &it->second;
 }
 
 void CPMTransferData::MakeLinear(const std::wstring& planeName, double factor) {
@@ -184,7 +181,7 @@ bool CPMTransferData::ReadXML(const pugi::xml_node& node) {
   return true;
 }
 
-void CPMTransferData::WriteXML(pugi::xml_node& parent) const {
+void CPMTransferData::WriteXML(pugi::xml_node parent) const {
   pugi::xml_node node = xml::AppendElement(parent, kTagTransfers);
   xml::SetAttribute(node, kAttrType, mode_ != 0 ? L"1" : L"0");
   xml::SetAttribute(node, kAttrInRipSeps, in_rip_seps_ ? L"1" : L"0");

@@ -28,6 +28,7 @@
 #include <optional>
 #include <string>
 
+#include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/sections/curve_data.h"
 
@@ -100,13 +101,12 @@ class TARN_API CPMTransferData {
   // with the section defaulted, when node is not such an element.
   bool ReadXML(const pugi::xml_node& node);
   // Appends a "TCURVES" element to parent.
-  void WriteXML(pugi::xml_node& parent) const;
+  void WriteXML(pugi::xml_node parent) const;
 
   // Equal when every field is equal and both sets hold the same planes with
   // the same mode, keep zero and points; curve names and colours follow the
   // plane and are not compared.
   bool operator==(const CPMTransferData& other) const;
-  bool operator!=(const CPMTransferData& other) const { return !(*this == other); }
 
  private:
   using CurveMap = std::map<unsigned, CPMCurveData>;
@@ -122,9 +122,7 @@ class TARN_API CPMTransferData {
   CurveMap curves_;
   CurveMap curves2_;
   bool in_rip_seps_ = false;
-  // Plane last handed out by GetFirstCurve/GetNextCurve; a key rather than an
-  // iterator, so that copies and edits never leave it dangling.
-  std::optional<unsigned> cursor_;
+  Cursor<unsigned> cursor_;  // of GetFirstCurve/GetNextCurve
 };
 
 }  // namespace tarn

@@ -70,7 +70,7 @@ const FieldTable<Sample>& Table() {
           F::Real("LEVEL", &Sample::level, "%0.04f"),
           F::Text("INK", &Sample::group_text).In("META"),
           F::Bool("FLAG", &Sample::group_flag).In("META"),
-          F::Writer([](const Sample& /*s*/, pugi::xml_node& node) { xml::AppendText(node, "CONST", L"x"); }),
+          F::Writer([](const Sample& /*s*/, pugi::xml_node node) { xml::AppendText(node, "CONST", L"x"); }),
           F::Text("SECRET", &Sample::secret).Writes(Write::kNever).NotCompared(),
       },
       &RecordUnknown);

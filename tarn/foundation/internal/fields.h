@@ -99,7 +99,7 @@ class TagIndex {
 template <class R>
 struct Field {
   using ReadHook = void (*)(R&, const pugi::xml_node&, ReadContext&);
-  using WriteHook = void (*)(const R&, pugi::xml_node&);
+  using WriteHook = void (*)(const R&, pugi::xml_node);
   using WhenHook = bool (*)(const R&);
 
   const char* name = nullptr;   // tag or attribute name
