@@ -2,6 +2,8 @@
 
 // Umbrella header: everything tarn offers.
 
+#include "tarn/colour/delta_e.h"
+#include "tarn/colour/it8_chart.h"
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/format_string.h"
