@@ -409,7 +409,9 @@ class TextReader {
       CgatsAccess::SheetType(table) = Wide(name);
       return true;
     }
-    CIT8Property property{CIT8Property::Kind::kValue, Wide(name), {}, false, {}};
+    // A keyword without a value reads as an empty quoted one, so that it is
+    // never mistaken for a sheet type when written back.
+    CIT8Property property{CIT8Property::Kind::kValue, Wide(name), {}, words.size() < 2, {}};
     if (words.size() >= 2) {
       if (words[1].quoted && words.size() == 2) {
         property.value = Wide(words[1].text);
@@ -545,9 +547,11 @@ bool HasLineBreak(std::string_view text) {
   return text.find_first_of("\r\n") != std::string_view::npos;
 }
 
-// A word that reads back as itself without quotes.
+// A word that would not read back as itself without quotes. A quote inside
+// a word is literal; only one at its start opens a quoted word.
 bool NeedsQuotes(std::string_view text) {
-  return text.empty() || text.find_first_of(" \t\f\v#\"'") != std::string_view::npos || IsReserved(text);
+  return text.empty() || text.find_first_of(" \t\f\v#") != std::string_view::npos || text.front() == '"' ||
+         text.front() == '\'' || IsReserved(text);
 }
 
 bool AppendQuoted(std::string_view text, std::string& out, std::wstring* error) {
@@ -622,13 +626,11 @@ bool AppendProperty(const CIT8Property& property, std::string& out, std::wstring
   if (HasLineBreak(value)) {
     return Fail(error, L"the value of " + property.name + L" holds a line break and cannot be written");
   }
-  // An unquoted value is written as it stands when it reads back the same.
-  const std::string_view trimmed = Trim(value);
-  const bool plain =
-      !property.quoted && trimmed.size() == value.size() && value.find_first_of("#\"'") == std::string::npos;
-  if (plain && value.empty()) {
-    return AppendNote(property.note, out, error);
-  }
+  // An unquoted value is written as it stands when it reads back the same:
+  // one or more words, no comment, not opening with a quote.
+  LineTokens words;
+  const bool plain = !property.quoted && !value.empty() && Trim(value).size() == value.size() &&
+                     value.front() != '"' && value.front() != '\'' && Tokenize(value, words) && !words.comment;
   out.push_back(' ');
   if (plain) {
     out += value;
