@@ -2,6 +2,7 @@
 
 // Umbrella header: everything tarn offers.
 
+#include "tarn/colour/chart_plot.h"
 #include "tarn/colour/delta_e.h"
 #include "tarn/colour/it8_chart.h"
 #include "tarn/foundation/export.h"

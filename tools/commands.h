@@ -26,6 +26,9 @@ int ShowPrinterDefinition(const std::string& file);
 void ShowPrintModePrinter(const std::string& file, const std::wstring& driver);
 int RunList(const Arguments& args);
 int RunCurves(const Arguments& args);
+// tarn chart and tarn deltae; in cmd_chart.cpp.
+int RunChart(const Arguments& args);
+int RunDeltaE(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);

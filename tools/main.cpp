@@ -18,6 +18,11 @@ const Command kCommands[] = {
     {"list", "list RIPFOLDER", "list the print modes under RIPFOLDER/System/pmodes", RunList},
     {"curves", "curves FILE [-o OUT.svg]", "draw the transfer and separation curves of a print mode as SVG",
      RunCurves},
+    {"chart", "chart FILE [-o OUT.svg]",
+     "summarise a measurement chart (CGATS): tables, fields, patches, Lab range; or draw its a*b* plot",
+     RunChart},
+    {"deltae", "deltae REFERENCE SAMPLE [--method 76|94|2000] [--match id|name]",
+     "compare two measured charts: mean, 95th percentile and max delta-E, the ten worst patches", RunDeltaE},
 };
 
 void PrintHelp() {

@@ -170,6 +170,7 @@ bool CompareCharts(const CIT8Chart& reference, const CIT8Chart& sample, CChartCo
   if (!ChooseKey(*ref, *smp, options.match, key_field, error)) {
     return false;
   }
+  result.key_field = key_field;
   const int ref_key = key_field.empty() ? -1 : ref->FindField(key_field);
   const int smp_key = key_field.empty() ? -1 : smp->FindField(key_field);
 

@@ -58,6 +58,8 @@ struct TARN_API CPatchDifference {
 
 struct TARN_API CChartComparison {
   DeltaEMethod method = DeltaEMethod::kCIEDE2000;
+  // The field the patches were paired by; empty when paired by row.
+  std::wstring key_field;
   // The paired patches in the reference's row order.
   std::vector<CPatchDifference> patches;
   // Keys of the patches that found no partner (or whose Lab cannot be read).

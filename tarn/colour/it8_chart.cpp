@@ -425,9 +425,14 @@ bool CIT8Chart::WriteXML(pugi::xml_node parent, std::wstring* error) const {
           }
           break;
         }
-        case CIT8Property::Kind::kDeclaration:
-          xml::SetAttribute(xml::AppendElement(element, tag::kDeclare), tag::kName, property.name);
+        case CIT8Property::Kind::kDeclaration: {
+          pugi::xml_node declare = xml::AppendElement(element, tag::kDeclare);
+          xml::SetAttribute(declare, tag::kName, property.name);
+          if (!property.note.empty()) {
+            xml::SetAttribute(declare, tag::kNote, property.note);
+          }
           break;
+        }
         case CIT8Property::Kind::kComment:
           xml::AppendText(element, tag::kComment, property.value);
           break;
@@ -475,8 +480,11 @@ bool CIT8Chart::ReadXML(const pugi::xml_node& node, CIT8Issue* error) {
                                                  xml::ReadAttribute(item, tag::kName), xml::ReadText(item),
                                                  quoted, xml::ReadAttribute(item, tag::kNote)});
       } else if (xml::IsNamed(item, tag::kDeclare)) {
-        table.properties_.push_back(CIT8Property{
-            CIT8Property::Kind::kDeclaration, xml::ReadAttribute(item, tag::kName), {}, true, {}});
+        table.properties_.push_back(CIT8Property{CIT8Property::Kind::kDeclaration,
+                                                 xml::ReadAttribute(item, tag::kName),
+                                                 {},
+                                                 true,
+                                                 xml::ReadAttribute(item, tag::kNote)});
       } else if (xml::IsNamed(item, tag::kComment)) {
         table.AddComment(xml::ReadText(item));
       } else if (xml::IsNamed(item, tag::kFields)) {

@@ -148,6 +148,7 @@ TEST(CompareCharts, StatisticsOfPatchesPairedById) {
   std::wstring error;
   ASSERT_TRUE(CompareCharts(reference, sample, result, {DeltaEMethod::kCIE76}, &error)) << ToUtf8(error);
   ASSERT_EQ(result.patches.size(), 20u);
+  EXPECT_EQ(result.key_field, L"SAMPLE_ID");
   EXPECT_EQ(result.patches[0].key, L"P1");
   EXPECT_EQ(result.patches[0].sample_row, 20u);
   EXPECT_DOUBLE_EQ(result.mean, 10.5);
@@ -176,6 +177,7 @@ TEST(CompareCharts, PairsByNameOrRowAndReadsXyz) {
   const CIT8Chart by_row = Chart("LAB_L LAB_A LAB_B", {"100 0 0", "51 0 0"});
   ASSERT_TRUE(CompareCharts(reference, by_row, result, {DeltaEMethod::kCIE76}));
   EXPECT_EQ(result.patches[1].key, L"2");
+  EXPECT_EQ(result.key_field, L"");
   EXPECT_DOUBLE_EQ(result.maximum, 1.0);
 }
 

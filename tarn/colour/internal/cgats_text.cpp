@@ -188,20 +188,19 @@ class LineWalker {
 };
 
 // Text with a NUL or another control character is not a chart; say so on the
-// line where it starts rather than read it as words. A DOS end-of-file mark
-// (Ctrl-Z) is allowed.
+// line where it starts rather than read it as words.
 bool HasBinary(std::string_view line) {
   return std::any_of(line.begin(), line.end(), [](char ch) {
     const auto c = static_cast<unsigned char>(ch);
-    return c < 0x20 && c != '\t' && c != '\f' && c != '\v' && c != 0x1A;
+    return c < 0x20 && c != '\t' && c != '\f' && c != '\v';
   });
 }
 
 std::string_view Trim(std::string_view text) {
-  while (!text.empty() && (IsBlank(text.front()) || text.front() == 0x1A)) {
+  while (!text.empty() && IsBlank(text.front())) {
     text.remove_prefix(1);
   }
-  while (!text.empty() && (IsBlank(text.back()) || text.back() == 0x1A)) {
+  while (!text.empty() && IsBlank(text.back())) {
     text.remove_suffix(1);
   }
   return text;
@@ -257,8 +256,8 @@ bool AddFields(const LineTokens& line, std::size_t number, std::vector<std::wstr
                CIT8Issue& error) {
   for (const Token& token : line.tokens) {
     std::wstring name = Wide(token.text);
-    if (name.empty()) {
-      error = CIT8Issue{number, L"a field name is empty"};
+    if (name.empty() || name.find_first_of(L" \t\f\v\"'#") != std::wstring::npos) {
+      error = CIT8Issue{number, L"\"" + name + L"\" is not a field name (one word)"};
       return false;
     }
     if (std::find(fields.begin(), fields.end(), name) != fields.end()) {
@@ -578,7 +577,7 @@ bool AppendWord(std::string_view text, std::string& out, std::wstring* error) {
 
 bool AppendName(const std::wstring& name, std::string& out, std::wstring* error) {
   const std::string utf8 = ToUtf8(name);
-  if (NeedsQuotes(utf8) || HasLineBreak(utf8)) {
+  if (NeedsQuotes(utf8) || HasLineBreak(utf8) || utf8.find_first_of("\"'") != std::string::npos) {
     return Fail(error, L"\"" + name + L"\" is not a keyword or field name (one word)");
   }
   out.append(utf8);
@@ -630,7 +629,8 @@ bool AppendProperty(const CIT8Property& property, std::string& out, std::wstring
   // one or more words, no comment, not opening with a quote.
   LineTokens words;
   const bool plain = !property.quoted && !value.empty() && Trim(value).size() == value.size() &&
-                     value.front() != '"' && value.front() != '\'' && Tokenize(value, words) && !words.comment;
+                     value.front() != '"' && value.front() != '\'' && Tokenize(value, words) &&
+                     !words.comment;
   out.push_back(' ');
   if (plain) {
     out += value;
@@ -724,6 +724,10 @@ bool ReadCgatsText(std::string_view bytes, std::vector<CIT8Table>& tables,
                    CIT8Chart::LineEnding& ending, CIT8Issue& error) {
   if (bytes.substr(0, 3) == "\xEF\xBB\xBF") {
     bytes.remove_prefix(3);
+  }
+  // DOS tools end text files with Ctrl-Z.
+  while (!bytes.empty() && bytes.back() == '\x1A') {
+    bytes.remove_suffix(1);
   }
   std::string converted;
   if (!IsValidUtf8(bytes)) {
