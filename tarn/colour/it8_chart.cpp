@@ -396,8 +396,12 @@ constexpr const wchar_t* kCRLF = L"CRLF";
 }  // namespace
 
 bool CIT8Chart::WriteXML(pugi::xml_node parent, std::wstring* error) const {
-  // The data of each table is the text form of its rows, checked before
-  // anything is appended so a failure leaves parent as it was.
+  // What cannot be written as text cannot be written here either; checked
+  // before anything is appended so a failure leaves parent as it was.
+  std::string text;
+  if (!WriteText(text, error)) {
+    return false;
+  }
   std::vector<std::string> data(tables_.size());
   for (std::size_t t = 0; t < tables_.size(); ++t) {
     if (!internal::WriteCgatsRows(tables_[t], "\n", data[t], error)) {

@@ -215,7 +215,8 @@ class TARN_API CIT8Chart {
 
   // Writes the text form (UTF-8, the chart's line ends). False, with the
   // reason in error, when a value cannot be written: a cell or value holding
-  // both kinds of quote, a line break, or a keyword name that is not one word.
+  // both kinds of quote, a line break or another control character, or a
+  // keyword or field name that is not one word.
   bool WriteText(std::string& out, std::wstring* error = nullptr) const;
   // Writes the text form to a file, replacing it atomically.
   bool SaveFile(const std::wstring& path, std::wstring* error = nullptr) const;

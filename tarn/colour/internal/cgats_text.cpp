@@ -542,8 +542,11 @@ bool Fail(std::wstring* error, std::wstring text) {
   return false;
 }
 
+// Line breaks end a line of the text form, and other control characters
+// cannot stand in an XML document: neither can be written.
 bool HasLineBreak(std::string_view text) {
-  return text.find_first_of("\r\n") != std::string_view::npos;
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; });
 }
 
 // A word that would not read back as itself without quotes. A quote inside
@@ -566,7 +569,8 @@ bool AppendQuoted(std::string_view text, std::string& out, std::wstring* error) 
 
 bool AppendWord(std::string_view text, std::string& out, std::wstring* error) {
   if (HasLineBreak(text)) {
-    return Fail(error, L"\"" + Wide(text) + L"\" holds a line break and cannot be written");
+    return Fail(error,
+                L"\"" + Wide(text) + L"\" holds a line break or control character and cannot be written");
   }
   if (NeedsQuotes(text)) {
     return AppendQuoted(text, out, error);
@@ -590,7 +594,7 @@ bool AppendNote(const std::wstring& note, std::string& out, std::wstring* error)
   }
   const std::string utf8 = ToUtf8(note);
   if (HasLineBreak(utf8)) {
-    return Fail(error, L"a comment holds a line break and cannot be written");
+    return Fail(error, L"a comment holds a line break or control character and cannot be written");
   }
   out += " #";
   out += utf8;
@@ -602,7 +606,7 @@ bool AppendProperty(const CIT8Property& property, std::string& out, std::wstring
     case CIT8Property::Kind::kComment: {
       const std::string utf8 = ToUtf8(property.value);
       if (HasLineBreak(utf8)) {
-        return Fail(error, L"a comment holds a line break and cannot be written");
+        return Fail(error, L"a comment holds a line break or control character and cannot be written");
       }
       out += "#";
       out += utf8;
@@ -623,7 +627,8 @@ bool AppendProperty(const CIT8Property& property, std::string& out, std::wstring
   }
   const std::string value = ToUtf8(property.value);
   if (HasLineBreak(value)) {
-    return Fail(error, L"the value of " + property.name + L" holds a line break and cannot be written");
+    return Fail(error, L"the value of " + property.name +
+                           L" holds a line break or control character and cannot be written");
   }
   // An unquoted value is written as it stands when it reads back the same:
   // one or more words, no comment, not opening with a quote.
