@@ -10,19 +10,18 @@
 //   	</PRINTER>
 //   </PRINTERLIST>
 //
-// The plain keys come from one table (tag, member, default) that both
-// SetDefaults and ReadXML walk; the keys with rules of their own are read in
-// ReadXML before the table is consulted.
+// Every key is a row of one field table (see docs/records.md); the keys with
+// rules of their own are its hand-written rows.
 
 #include "tarn/printer/printer_data.h"
 
 #include <climits>
 #include <cmath>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
@@ -219,116 +218,153 @@ bool CPageMap::IsPageSupported(double width, double height) const {
 
 // --- CPrinterBase ------------------------------------------------------------
 
-struct CPrinterBase::Key {
-  const char* group;  // the enclosing element, or null for a child of "PRINTER"
-  const char* tag;
-  std::wstring CPrinterBase::*text = nullptr;
-  const wchar_t* textDefault = L"";
-  int CPrinterBase::*integer = nullptr;
-  bool CPrinterBase::*flag = nullptr;
-  bool flagDefault = false;
-  double CPrinterBase::*real = nullptr;
-};
-
-std::span<const CPrinterBase::Key> CPrinterBase::Keys() {
+// The keys in file order. Defaults live in the member initialisers; the keys
+// with rules of their own are Custom rows.
+struct CPrinterBase::Fields {
   using B = CPrinterBase;
-  static const Key kKeys[] = {
-      {.group = nullptr, .tag = "LONGNAME", .text = &B::m_longName},
-      {.group = nullptr, .tag = "SHORTNAME", .text = &B::m_shortName},
-      {.group = nullptr, .tag = "PORT", .text = &B::m_port},
-      {.group = "PORTSETUP", .tag = "TCP", .flag = &B::m_portTCP, .flagDefault = true},
-      {.group = "PORTSETUP", .tag = "USB", .flag = &B::m_portUSB, .flagDefault = true},
-      {.group = "PORTSETUP", .tag = "LPT", .flag = &B::m_portLPT},
-      {.group = "PORTSETUP", .tag = "COM", .flag = &B::m_portCOM},
-      {.group = nullptr, .tag = "SPECIAL", .text = &B::m_special},
-      {.group = nullptr, .tag = "MULTIIMAGE", .text = &B::m_multiImage},
-      {.group = nullptr, .tag = "DPIDEFAULT", .text = &B::m_dpiDefault},
-      {.group = nullptr, .tag = "COLORDEFAULT", .text = &B::m_colorDefault},
-      {.group = nullptr, .tag = "DEVICEID", .text = &B::m_deviceId},
-      {.group = nullptr, .tag = kDataMonitor, .text = &B::m_dataMonitor},
-      {.group = nullptr, .tag = "DFORMATDRIVER", .text = &B::m_dFormatDriver},
-      {.group = nullptr, .tag = "CUTTERINI", .text = &B::m_cutterIni},
-      {.group = nullptr, .tag = "DEFSTRAT", .text = &B::m_defStrat},
-      {.group = nullptr, .tag = "BREVIAPALETTE", .text = &B::m_breviaPalette},
-      {.group = nullptr, .tag = "BITS", .integer = &B::m_bits},
-      {.group = nullptr, .tag = "TIMEOUTI", .integer = &B::m_timeoutI},
-      {.group = nullptr, .tag = "TIMEOUTR", .integer = &B::m_timeoutR},
-      {.group = nullptr, .tag = "TIMEOUTS", .integer = &B::m_timeoutS},
-      {.group = nullptr, .tag = "SCANLIMIT", .integer = &B::m_scanLimit},
-      {.group = nullptr, .tag = "FRAMEDIFF", .integer = &B::m_frameDiff},
-      {.group = nullptr, .tag = "DEVFRAME", .integer = &B::m_devFrame},
-      {.group = nullptr, .tag = "DEVSCAN", .integer = &B::m_devScan},
-      {.group = nullptr, .tag = "DEVAUTO", .integer = &B::m_devAuto},
-      {.group = nullptr, .tag = "SINGLEPASS", .flag = &B::m_singlePass},
-      {.group = nullptr, .tag = "CUTDEVICE", .flag = &B::m_cutDevice},
-      {.group = nullptr, .tag = "SPOTDEVICE", .flag = &B::m_spotDevice},
-      {.group = nullptr, .tag = "HALFTONE", .integer = &B::m_halftone},
-      {.group = nullptr, .tag = "HALFTONEPALETTE", .text = &B::m_halftonePalette},
-      {.group = nullptr, .tag = "ALLOW8BITHALFTONE", .flag = &B::m_allow8BitHalftone},
-      {.group = nullptr, .tag = "CONCURRENTPLANES", .integer = &B::m_concurrentPlanes},
-      {.group = nullptr, .tag = "SHOWRESOLUTIONS", .flag = &B::m_showResolutions, .flagDefault = true},
-      {.group = nullptr, .tag = "SHOWCOLORS", .flag = &B::m_showColors, .flagDefault = true},
-      {.group = nullptr, .tag = "REWIND", .flag = &B::m_rewind, .flagDefault = true},
-      {.group = nullptr, .tag = "MULTIHITFOIL", .flag = &B::m_multiHitFoil},
-      {.group = nullptr, .tag = "STRIPBLANKPLANES", .flag = &B::m_stripBlankPlanes},
-      {.group = nullptr, .tag = "FOILINFO", .flag = &B::m_foilInfo},
-      {.group = nullptr, .tag = "LAYERDEVICE", .flag = &B::m_layerDevice},
-      {.group = nullptr, .tag = "CONCURRENTPRIME", .flag = &B::m_concurrentPrime},
-      {.group = nullptr, .tag = "DYNAMICPLANES", .flag = &B::m_dynamicPlanes},
-      {.group = nullptr, .tag = "MULTIPLEPRIME", .flag = &B::m_multiplePrime},
-      {.group = nullptr, .tag = "LASERDEVICE", .flag = &B::m_laserDevice},
-      {.group = nullptr, .tag = "BYTEALIGNMENT", .integer = &B::m_byteAlignment},
-      {.group = nullptr, .tag = "WINDOWSPRIMEDEVICE", .flag = &B::m_windowsPrimeDevice},
-      {.group = nullptr, .tag = "RIGHTSIDEORIGIN", .flag = &B::m_rightSideOrigin},
-      {.group = nullptr, .tag = "COLORCLEAR", .flag = &B::m_colorClear},
-      {.group = nullptr, .tag = "PDFOUTPUT", .flag = &B::m_pdfOutput},
-      {.group = nullptr, .tag = "SETINKORDER", .flag = &B::m_setInkOrder},
-      {.group = "INKREORDER", .tag = "SLOTDISPLAY", .text = &B::m_slotDisplay},
-      {.group = "INKREORDER", .tag = "COLORMAP", .text = &B::m_inkReorderColorMap},
-      {.group = nullptr, .tag = "PAGEVMIRROR", .flag = &B::m_pageVMirror},
-      {.group = nullptr, .tag = "SECONDARYPORTTYPE", .integer = &B::m_secondaryPortType},
-      {.group = nullptr, .tag = "LAYERSEPARATEDPREVIEW", .flag = &B::m_layerSeparatedPreview},
-      {.group = nullptr, .tag = "TCPPORT", .text = &B::m_tcpPort, .textDefault = L"9100"},
-      {.group = nullptr, .tag = "DUPLEX", .flag = &B::m_duplex},
-      {.group = nullptr, .tag = "PMCTYPE", .text = &B::m_pmcType},
-      {.group = "DEFAULTPAGE", .tag = "SIZE", .text = &B::m_defaultPageSize},
-      {.group = "DEFAULTPAGE", .tag = "ROLLMODE", .flag = &B::m_rollMode},
-      {.group = "DEFAULTPAGE", .tag = "ROLLWIDTH", .real = &B::m_rollWidth},
-      {.group = "DEFAULTPAGE", .tag = "PORTRAIT", .flag = &B::m_portrait},
-      {.group = nullptr, .tag = "STRETCHPAGESIZE", .flag = &B::m_stretchPageSize},
-      {.group = nullptr, .tag = "HSTRETCH", .real = &B::m_hStretch},
-      {.group = nullptr, .tag = "VSTRETCH", .real = &B::m_vStretch},
-      {.group = nullptr, .tag = "PCDECALMODE", .flag = &B::m_pcDecalMode, .flagDefault = true},
-      {.group = nullptr, .tag = "NOQCOPIES", .flag = &B::m_noQCopies},
-      // Spelled with one D in the files that exist; keep it.
-      {.group = nullptr, .tag = "EMBEDEDPREVIEWFORMAT", .integer = &B::m_embeddedPreviewFormat},
-      {.group = nullptr, .tag = "PRINTER_SERIES", .text = &B::m_printerSeries},
-      {.group = nullptr, .tag = "GDIALLOWCUSTOMPAGE", .flag = &B::m_gdiAllowCustomPage},
-      {.group = nullptr, .tag = "GDIORIGINALNAME", .text = &B::m_gdiOriginalName},
-      {.group = nullptr, .tag = "GDINONPRINTABLE_X", .real = &B::m_gdiNonPrintableX},
-      {.group = nullptr, .tag = "GDINONPRINTABLE_Y", .real = &B::m_gdiNonPrintableY},
-      {.group = nullptr, .tag = "EXPOSE_INSTALLED_QUEUES", .flag = &B::m_exposeInstalledQueues},
-      {.group = nullptr, .tag = "CUSTOM_PRINTER_STATUS", .text = &B::m_customPrinterStatus},
-  };
-  return kKeys;
-}
+  using F = internal::Field<B>;
+  using Context = internal::ReadContext;
 
-CPrinterBase::CPrinterBase() {
-  SetDefaults();
-}
-
-void CPrinterBase::SetDefaults() {
-  for (const Key& key : Keys()) {
-    if (key.text) {
-      this->*key.text = key.textDefault;
-    } else if (key.integer) {
-      this->*key.integer = 0;
-    } else if (key.flag) {
-      this->*key.flag = key.flagDefault;
-    } else if (key.real) {
-      this->*key.real = 0.0;
+  static void ReadSNMP(B& b, const pugi::xml_node& child, Context& /*c*/) { b.m_snmp.ReadXML(child); }
+  static void ReadSNMPName(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.m_snmpDeviceName.ReadXML(child);
+  }
+  static void ReadUSBName(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.m_usbDeviceName.ReadXML(child);
+  }
+  static void ReadGenericName(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.m_genericDeviceName.ReadXML(child);
+  }
+  static void ReadISOLABRef(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.m_isoLabRef.ReadXML(child);
+  }
+  static void ReadAbortCommand(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    ParseHex(xml::ReadText(child), b.m_abortCommand);
+  }
+  // Only sets the flag, and only for this exact text.
+  static void ReadCosting(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    if (xml::ReadText(child) == kLaserCosting) {
+      b.m_costingLaser = true;
     }
   }
+  static void ReadDashboard(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    if (xml::ReadText(child) == kResolutionPMI) {
+      b.m_dashboardResolutionPMI = true;
+    }
+  }
+  static void ReadPageOffset(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.ReadPageSizeOffset(child);
+  }
+  // "External:Name" names a monitor outside the RIP.
+  static void ReadDataMonitor(B& b, const pugi::xml_node& child, Context& /*c*/) {
+    b.m_dataMonitor = xml::ReadText(child);
+    if (b.m_dataMonitor.find(kExternalPrefix) != std::wstring::npos) {
+      b.m_externalDataMonitor = b.m_dataMonitor;
+      for (size_t at; (at = b.m_externalDataMonitor.find(kExternalPrefix)) != std::wstring::npos;) {
+        b.m_externalDataMonitor.erase(at, kExternalPrefix.size());
+      }
+      b.m_dataMonitor = kExternalMonitor;
+    }
+  }
+
+  static const internal::FieldTable<B>& Table() {
+    static const internal::FieldTable<B> table(
+        nullptr, {
+                     F::Custom(kSNMP, &ReadSNMP, nullptr),
+                     F::Custom(kSNMPDeviceName, &ReadSNMPName, nullptr),
+                     F::Custom(kUSBDeviceName, &ReadUSBName, nullptr),
+                     F::Custom(kGenericDeviceName, &ReadGenericName, nullptr),
+                     F::Custom(kISOLABRef, &ReadISOLABRef, nullptr),
+                     F::Custom(kAbortCommand, &ReadAbortCommand, nullptr),
+                     F::Custom(kCosting, &ReadCosting, nullptr),
+                     F::Custom(kDashboardKey, &ReadDashboard, nullptr),
+                     F::Custom(kPageSizeOffset, &ReadPageOffset, nullptr),
+                     F::Text("LONGNAME", &B::m_longName),
+                     F::Text("SHORTNAME", &B::m_shortName),
+                     F::Text("PORT", &B::m_port),
+                     F::Bool("TCP", &B::m_portTCP).In("PORTSETUP"),
+                     F::Bool("USB", &B::m_portUSB).In("PORTSETUP"),
+                     F::Bool("LPT", &B::m_portLPT).In("PORTSETUP"),
+                     F::Bool("COM", &B::m_portCOM).In("PORTSETUP"),
+                     F::Text("SPECIAL", &B::m_special),
+                     F::Text("MULTIIMAGE", &B::m_multiImage),
+                     F::Text("DPIDEFAULT", &B::m_dpiDefault),
+                     F::Text("COLORDEFAULT", &B::m_colorDefault),
+                     F::Text("DEVICEID", &B::m_deviceId),
+                     F::Custom(kDataMonitor, &ReadDataMonitor, nullptr),
+                     F::Text("DFORMATDRIVER", &B::m_dFormatDriver),
+                     F::Text("CUTTERINI", &B::m_cutterIni),
+                     F::Text("DEFSTRAT", &B::m_defStrat),
+                     F::Text("BREVIAPALETTE", &B::m_breviaPalette),
+                     F::Int("BITS", &B::m_bits),
+                     F::Int("TIMEOUTI", &B::m_timeoutI),
+                     F::Int("TIMEOUTR", &B::m_timeoutR),
+                     F::Int("TIMEOUTS", &B::m_timeoutS),
+                     F::Int("SCANLIMIT", &B::m_scanLimit),
+                     F::Int("FRAMEDIFF", &B::m_frameDiff),
+                     F::Int("DEVFRAME", &B::m_devFrame),
+                     F::Int("DEVSCAN", &B::m_devScan),
+                     F::Int("DEVAUTO", &B::m_devAuto),
+                     F::Bool("SINGLEPASS", &B::m_singlePass),
+                     F::Bool("CUTDEVICE", &B::m_cutDevice),
+                     F::Bool("SPOTDEVICE", &B::m_spotDevice),
+                     F::Int("HALFTONE", &B::m_halftone),
+                     F::Text("HALFTONEPALETTE", &B::m_halftonePalette),
+                     F::Bool("ALLOW8BITHALFTONE", &B::m_allow8BitHalftone),
+                     F::Int("CONCURRENTPLANES", &B::m_concurrentPlanes),
+                     F::Bool("SHOWRESOLUTIONS", &B::m_showResolutions),
+                     F::Bool("SHOWCOLORS", &B::m_showColors),
+                     F::Bool("REWIND", &B::m_rewind),
+                     F::Bool("MULTIHITFOIL", &B::m_multiHitFoil),
+                     F::Bool("STRIPBLANKPLANES", &B::m_stripBlankPlanes),
+                     F::Bool("FOILINFO", &B::m_foilInfo),
+                     F::Bool("LAYERDEVICE", &B::m_layerDevice),
+                     F::Bool("CONCURRENTPRIME", &B::m_concurrentPrime),
+                     F::Bool("DYNAMICPLANES", &B::m_dynamicPlanes),
+                     F::Bool("MULTIPLEPRIME", &B::m_multiplePrime),
+                     F::Bool("LASERDEVICE", &B::m_laserDevice),
+                     F::Int("BYTEALIGNMENT", &B::m_byteAlignment),
+                     F::Bool("WINDOWSPRIMEDEVICE", &B::m_windowsPrimeDevice),
+                     F::Bool("RIGHTSIDEORIGIN", &B::m_rightSideOrigin),
+                     F::Bool("COLORCLEAR", &B::m_colorClear),
+                     F::Bool("PDFOUTPUT", &B::m_pdfOutput),
+                     F::Bool("SETINKORDER", &B::m_setInkOrder),
+                     F::Text("SLOTDISPLAY", &B::m_slotDisplay).In("INKREORDER"),
+                     F::Text("COLORMAP", &B::m_inkReorderColorMap).In("INKREORDER"),
+                     F::Bool("PAGEVMIRROR", &B::m_pageVMirror),
+                     F::Int("SECONDARYPORTTYPE", &B::m_secondaryPortType),
+                     F::Bool("LAYERSEPARATEDPREVIEW", &B::m_layerSeparatedPreview),
+                     F::Text("TCPPORT", &B::m_tcpPort),
+                     F::Bool("DUPLEX", &B::m_duplex),
+                     F::Text("PMCTYPE", &B::m_pmcType),
+                     F::Text("SIZE", &B::m_defaultPageSize).In("DEFAULTPAGE"),
+                     F::Bool("ROLLMODE", &B::m_rollMode).In("DEFAULTPAGE"),
+                     F::Real("ROLLWIDTH", &B::m_rollWidth).In("DEFAULTPAGE"),
+                     F::Bool("PORTRAIT", &B::m_portrait).In("DEFAULTPAGE"),
+                     F::Bool("STRETCHPAGESIZE", &B::m_stretchPageSize),
+                     F::Real("HSTRETCH", &B::m_hStretch),
+                     F::Real("VSTRETCH", &B::m_vStretch),
+                     F::Bool("PCDECALMODE", &B::m_pcDecalMode),
+                     F::Bool("NOQCOPIES", &B::m_noQCopies),
+                     // Spelled with one D in the files that exist; keep it.
+                     F::Int("EMBEDEDPREVIEWFORMAT", &B::m_embeddedPreviewFormat),
+                     F::Text("PRINTER_SERIES", &B::m_printerSeries),
+                     F::Bool("GDIALLOWCUSTOMPAGE", &B::m_gdiAllowCustomPage),
+                     F::Text("GDIORIGINALNAME", &B::m_gdiOriginalName),
+                     F::Real("GDINONPRINTABLE_X", &B::m_gdiNonPrintableX),
+                     F::Real("GDINONPRINTABLE_Y", &B::m_gdiNonPrintableY),
+                     F::Bool("EXPOSE_INSTALLED_QUEUES", &B::m_exposeInstalledQueues),
+                     F::Text("CUSTOM_PRINTER_STATUS", &B::m_customPrinterStatus),
+                 });
+    return table;
+  }
+};
+
+CPrinterBase::CPrinterBase() = default;
+
+void CPrinterBase::SetDefaults() {
+  static const CPrinterBase kDefaults;
+  Fields::Table().Assign(kDefaults, *this);
   m_version = 0;
   m_snmp.SetDefaults();
   m_snmpDeviceName.SetDefaults();
@@ -360,87 +396,7 @@ bool CPrinterBase::ReadXML(const pugi::xml_node& printer, bool keepCurrent) {
   if (version) {
     m_version = version.as_uint();
   }
-
-  const auto readKey = [this](const Key& key, const pugi::xml_node& node) {
-    if (key.text) {
-      this->*key.text = xml::ReadText(node);
-    } else if (key.integer) {
-      this->*key.integer = xml::ReadInt(node);
-    } else if (key.flag) {
-      this->*key.flag = xml::ReadBool(node);
-    } else if (key.real) {
-      this->*key.real = xml::ReadReal(node);
-    }
-  };
-
-  // The table by tag, and the members of each group, built once.
-  struct KeyIndex {
-    std::unordered_map<std::string_view, const Key*> keys;
-    std::unordered_map<std::string_view, std::vector<const Key*>> groups;
-  };
-  static const KeyIndex index = [] {
-    KeyIndex built;
-    for (const Key& key : Keys()) {
-      if (key.group != nullptr) {
-        built.groups[key.group].push_back(&key);
-      } else {
-        built.keys.emplace(key.tag, &key);
-      }
-    }
-    return built;
-  }();
-
-  for (pugi::xml_node child : printer.children()) {
-    if (child.type() != pugi::node_element) {
-      continue;
-    }
-    if (xml::IsNamed(child, kSNMP)) {
-      m_snmp.ReadXML(child);
-    } else if (xml::IsNamed(child, kSNMPDeviceName)) {
-      m_snmpDeviceName.ReadXML(child);
-    } else if (xml::IsNamed(child, kUSBDeviceName)) {
-      m_usbDeviceName.ReadXML(child);
-    } else if (xml::IsNamed(child, kGenericDeviceName)) {
-      m_genericDeviceName.ReadXML(child);
-    } else if (xml::IsNamed(child, kISOLABRef)) {
-      m_isoLabRef.ReadXML(child);
-    } else if (xml::IsNamed(child, kAbortCommand)) {
-      ParseHex(xml::ReadText(child), m_abortCommand);
-    } else if (xml::IsNamed(child, kCosting)) {
-      // Only sets the flag, and only for this exact text.
-      if (xml::ReadText(child) == kLaserCosting) {
-        m_costingLaser = true;
-      }
-    } else if (xml::IsNamed(child, kDashboardKey)) {
-      if (xml::ReadText(child) == kResolutionPMI) {
-        m_dashboardResolutionPMI = true;
-      }
-    } else if (xml::IsNamed(child, kPageSizeOffset)) {
-      ReadPageSizeOffset(child);
-    } else if (auto key = index.keys.find(child.name()); key != index.keys.end()) {
-      readKey(*key->second, child);
-      if (xml::IsNamed(child, kDataMonitor)) {
-        // "External:Name" names a monitor outside the RIP.
-        if (m_dataMonitor.find(kExternalPrefix) != std::wstring::npos) {
-          m_externalDataMonitor = m_dataMonitor;
-          for (size_t at; (at = m_externalDataMonitor.find(kExternalPrefix)) != std::wstring::npos;) {
-            m_externalDataMonitor.erase(at, kExternalPrefix.size());
-          }
-          m_dataMonitor = kExternalMonitor;
-        }
-      }
-    } else if (auto group = index.groups.find(child.name()); group != index.groups.end()) {
-      // A group: its children are the keys of that group.
-      for (pugi::xml_node item : child.children()) {
-        for (const Key* member : group->second) {
-          if (xml::IsNamed(item, member->tag)) {
-            readKey(*member, item);
-            break;
-          }
-        }
-      }
-    }
-  }
+  Fields::Table().Read(*this, printer, internal::Start::kCurrent);
   if (nMediaWidthLimit != 0 && m_rollWidth > nMediaWidthLimit) {
     m_rollWidth = nMediaWidthLimit;
   }

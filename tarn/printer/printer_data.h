@@ -259,9 +259,7 @@ class TARN_API CPrinterBase {
   }
 
  private:
-  // One key of the table in the source file: its tag and the member it fills.
-  struct Key;
-  static std::span<const Key> Keys();
+  struct Fields;  // the key table, in the source file
   void ReadPageSizeOffset(const pugi::xml_node& node);
 
   unsigned long m_version = 0;
@@ -324,7 +322,7 @@ class TARN_API CPrinterBase {
   bool m_pageVMirror = false;
   int m_secondaryPortType = 0;
   bool m_layerSeparatedPreview = false;
-  std::wstring m_tcpPort;
+  std::wstring m_tcpPort = L"9100";
   bool m_duplex = false;
   std::string m_abortCommand;
   std::wstring m_pmcType;

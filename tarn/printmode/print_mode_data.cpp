@@ -1,9 +1,9 @@
 #include "tarn/printmode/print_mode_data.h"
 
 #include <algorithm>
-#include <array>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/tags.h"
@@ -45,12 +45,6 @@ constexpr wchar_t kErrorCaption[] = L"Error";
 
 // How long a save waits for the file to show up: 41 waits of 250 ms.
 constexpr int kSaveWaits = 41;
-
-// The metadata text fields, in the order they are written.
-struct TextField {
-  const char* tag;
-  std::wstring CPrintModeData::*field;
-};
 
 // Load step 7: folder names that mark a print mode's role.
 bool FolderMentions(const std::wstring& lowered_folder, std::wstring_view word) {
@@ -191,60 +185,69 @@ void CPrintModeData::ApplyLoadRepairs() {
   icc_profiles_.RepairMovedProfilePaths();
 }
 
-bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
-  version_ = xml::ReadAttribute(node, tags::kVersion);
-  static const std::array<TextField, 3> kHeaderTexts = {{
-      {kEmailAddress, &CPrintModeData::email_},
-      {kPrinter, &CPrintModeData::printer_},
-      {kDriver, &CPrintModeData::driver_},
-  }};
-  for (const pugi::xml_node& child : node.children()) {
-    if (child.type() != pugi::node_element) {
-      continue;
-    }
-    bool handled = false;
-    for (const TextField& text : kHeaderTexts) {
-      if (xml::IsNamed(child, text.tag)) {
-        this->*text.field = xml::ReadText(child);
-        handled = true;
-      }
-    }
-    if (handled) {
-      continue;
-    }
-    if (xml::IsNamed(child, kInvert)) {
-      invert_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, kMirror)) {
-      mirror_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, kMetadata)) {
-      for (const pugi::xml_node& item : child.children()) {
-        if (xml::IsNamed(item, kInkSet)) {
-          ink_set_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kManufacturer)) {
-          manufacturer_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kMediaDescription)) {
-          media_description_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kMediaCategory)) {
-          media_category_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kCreationDate)) {
-          creation_date_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kRipVersion)) {
-          rip_version_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kMediaName)) {
-          name_ = xml::ReadText(item);
-        } else if (xml::IsNamed(item, kUnderbase)) {
-          underbase_ = xml::ReadBool(item);
-        } else if (xml::IsNamed(item, kFinish)) {
-          finish_ = xml::ReadBool(item);
-        } else if (xml::IsNamed(item, kWindowsUnderbase)) {
-          windows_underbase_ = xml::ReadBool(item);
-        }
-      }
-    } else {
-      ReadSection(child);
+struct CPrintModeData::Fields {
+  using R = CPrintModeData;
+  using F = internal::Field<R>;
+
+  static void WriteVersion(const R& /*r*/, pugi::xml_node& node) {
+    node.append_attribute(tags::kVersion).set_value(kPrintModeFileVersion);
+  }
+  static void WriteCopyright(const R& /*r*/, pugi::xml_node& node) {
+    xml::AppendText(node, kCopyright, kCopyrightText);
+  }
+  // The version of the library that wrote the file, whatever the file said.
+  static void WriteQueueVersion(const R& /*r*/, pugi::xml_node& node) {
+    xml::AppendText(node, kQueueVersion,
+                    Format(L"%d.%d.%d", kQueueVersionMajor, kQueueVersionMinor, kQueueVersionBuild));
+  }
+  static void ReadSection(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    r.ReadSection(child);
+  }
+  static void WriteSections(const R& r, pugi::xml_node& node) {
+    r.WriteSections(node);
+    // Laser data only for a printer whose definition says it is a laser device.
+    if (r.IsLaserPrinter()) {
+      r.laser_data_.WriteXML(node);
     }
   }
-  return true;
+
+  // The header; the sections are read and written by their own records. Only
+  // the image flags take part in equality: names and metadata do not make two
+  // print modes print differently.
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        nullptr,
+        {
+            F::Writer(&WriteVersion),
+            F::Text(tags::kVersion, &R::version_).Attribute().Writes(internal::Write::kNever).NotCompared(),
+            F::Writer(&WriteCopyright),
+            F::Writer(&WriteQueueVersion),
+            F::Text(kPrinter, &R::printer_).NotCompared(),
+            F::Text(kDriver, &R::driver_).NotCompared(),
+            F::Text(kEmailAddress, &R::email_).Writes(internal::Write::kNever).NotCompared(),
+            F::Bool(kInvert, &R::invert_),
+            F::Bool(kMirror, &R::mirror_),
+            F::Text(kInkSet, &R::ink_set_).In(kMetadata).NotCompared(),
+            F::Text(kManufacturer, &R::manufacturer_).In(kMetadata).NotCompared(),
+            F::Text(kMediaCategory, &R::media_category_).In(kMetadata).NotCompared(),
+            F::Text(kMediaDescription, &R::media_description_).In(kMetadata).NotCompared(),
+            F::Text(kCreationDate, &R::creation_date_).In(kMetadata).NotCompared(),
+            F::Text(kRipVersion, &R::rip_version_).In(kMetadata).NotCompared(),
+            F::Text(kMediaName, &R::name_).In(kMetadata).NotCompared(),
+            F::Bool(kUnderbase, &R::underbase_).In(kMetadata).NotCompared(),
+            F::Bool(kFinish, &R::finish_).In(kMetadata).NotCompared(),
+            F::Bool(kWindowsUnderbase, &R::windows_underbase_).In(kMetadata).NotCompared(),
+            F::Writer(&WriteSections),
+        },
+        &ReadSection);
+    return table;
+  }
+};
+
+// Reads over the current values (a load has set the defaults and the path
+// before), and any element name: the document loader checked the root.
+bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
+  return Fields::Table().Read(*this, node, internal::Start::kCurrent);
 }
 
 bool CPrintModeData::ReadSection(const pugi::xml_node& child) {
@@ -293,31 +296,7 @@ void CPrintModeData::WriteSections(pugi::xml_node root) const {
 }
 
 void CPrintModeData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node root = xml::AppendElement(parent, tags::kPrintModeRoot);
-  root.append_attribute(tags::kVersion).set_value(kPrintModeFileVersion);
-  xml::AppendText(root, kCopyright, kCopyrightText);
-  xml::AppendText(root, kQueueVersion,
-                  Format(L"%d.%d.%d", kQueueVersionMajor, kQueueVersionMinor, kQueueVersionBuild));
-  xml::AppendText(root, kPrinter, printer_);
-  xml::AppendText(root, kDriver, driver_);
-  xml::AppendBool(root, kInvert, invert_);
-  xml::AppendBool(root, kMirror, mirror_);
-  pugi::xml_node metadata = xml::AppendElement(root, kMetadata);
-  xml::AppendText(metadata, kInkSet, ink_set_);
-  xml::AppendText(metadata, kManufacturer, manufacturer_);
-  xml::AppendText(metadata, kMediaCategory, media_category_);
-  xml::AppendText(metadata, kMediaDescription, media_description_);
-  xml::AppendText(metadata, kCreationDate, creation_date_);
-  xml::AppendText(metadata, kRipVersion, rip_version_);
-  xml::AppendText(metadata, kMediaName, name_);
-  xml::AppendBool(metadata, kUnderbase, underbase_);
-  xml::AppendBool(metadata, kFinish, finish_);
-  xml::AppendBool(metadata, kWindowsUnderbase, windows_underbase_);
-  WriteSections(root);
-  // Laser data only for a printer whose definition says it is a laser device.
-  if (IsLaserPrinter()) {
-    laser_data_.WriteXML(root);
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, tags::kPrintModeRoot));
 }
 
 void CPrintModeData::WriteTarnSection(pugi::xml_node node) const {
@@ -403,7 +382,7 @@ bool CPrintModeData::ValidateMetaData() const {
 }
 
 bool CPrintModeData::operator==(const CPrintModeData& other) const {
-  if (rotate_angle_ != other.rotate_angle_ || mirror_ != other.mirror_ || invert_ != other.invert_) {
+  if (rotate_angle_ != other.rotate_angle_ || !Fields::Table().Equal(*this, other)) {
     return false;
   }
   if (transfers_ != other.transfers_ || separations_ != other.separations_) {

@@ -254,6 +254,7 @@ class TARN_API CPrintModeData {
   bool IsCustom() const { return !printer_options_.IsPMLocked(); }
 
  private:
+  struct Fields;  // the header's field table, in the source file
   void SetHeaderDefaults();
   void SetSectionDefaults();
   void WriteSections(pugi::xml_node root) const;

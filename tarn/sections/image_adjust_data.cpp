@@ -1,41 +1,28 @@
 #include "tarn/sections/image_adjust_data.h"
 
-#include "tarn/foundation/xml.h"
+#include "tarn/foundation/internal/fields.h"
 
 namespace tarn {
-namespace {
 
-// Tags of the section, shared by its reader and writer.
-namespace tag {
-constexpr const char* kSampling = "SAMPLING";
-constexpr const char* kBlur = "BLUR";
-constexpr const char* kSaturation = "SATURATION";
-}  // namespace tag
-
-}  // namespace
+struct CPMImageAdjustData::Fields {
+  using R = CPMImageAdjustData;
+  using F = internal::Field<R>;
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(R::kElementName, {
+                                                                    F::Int("SAMPLING", &R::sampling_),
+                                                                    F::Int("BLUR", &R::blur_),
+                                                                    F::Int("SATURATION", &R::saturation_),
+                                                                });
+    return table;
+  }
+};
 
 bool CPMImageAdjustData::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, kElementName)) {
-    return false;
-  }
-  SetDefaults();
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, tag::kSampling)) {
-      sampling_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kBlur)) {
-      blur_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, tag::kSaturation)) {
-      saturation_ = xml::ReadInt(child);
-    }
-  }
-  return true;
+  return Fields::Table().Read(*this, node);
 }
 
 void CPMImageAdjustData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kElementName);
-  xml::AppendInt(node, tag::kSampling, sampling_);
-  xml::AppendInt(node, tag::kBlur, blur_);
-  xml::AppendInt(node, tag::kSaturation, saturation_);
+  Fields::Table().Write(*this, parent.append_child(kElementName));
 }
 
 }  // namespace tarn

@@ -43,6 +43,8 @@ class TARN_API CPMImageAdjustData {
   void WriteXML(pugi::xml_node parent) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   std::int32_t sampling_ = 0;
   std::int32_t blur_ = 0;
   std::int32_t saturation_ = 100;

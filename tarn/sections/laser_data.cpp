@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/xml.h"
 
@@ -307,71 +308,71 @@ bool CVectorPenList::operator==(const CVectorPenList& other) const {
 
 // --- CPMLaserData --------------------------------------------------------
 
-void CPMLaserData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kTagLaser);
-  xml::SetAttributeInt(node, kAttrVersion, kLaserVersion);
-  xml::AppendReal(node, kTagRasterPower, raster_power_);
-  xml::AppendReal(node, kTagRasterSpeed, raster_speed_);
-  xml::AppendInt(node, kTagDPI, dpi_);
-  xml::AppendInt(node, kTagRasterTotalWidth, raster_total_width_);
-  xml::AppendInt(node, kTagRasterSplitWidth, raster_split_width_);
-  xml::AppendReal(node, kTagRasterSplitPower, raster_split_power_);
-  xml::AppendBool(node, kTagUseVectorSpeedAndPower, use_vector_speed_and_power_);
-  xml::AppendInt(node, kTagVectorResolution, vector_resolution_);
-  power_curve_.WriteXML(node, false, 0);
-  if (use_rotary_fixture_) {
-    xml::AppendReal(node, kTagRotaryFixture, rotary_fixture_);
+struct CPMLaserData::Fields {
+  using R = CPMLaserData;
+  using F = internal::Field<R>;
+
+  static void WriteVersion(const R& /*r*/, pugi::xml_node& node) {
+    xml::SetAttributeInt(node, kAttrVersion, kLaserVersion);
   }
-  xml::AppendBool(node, kTagUseHotWatch, use_hot_watch_);
-  pens_.WriteXML(node);
+  static void ReadCurve(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    r.power_curve_.ReadXML(child);
+  }
+  static void WriteCurve(const R& r, pugi::xml_node& node) { r.power_curve_.WriteXML(node, false, 0); }
+  // The fixture is in use exactly when its diameter is in the file.
+  static void ReadRotary(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    r.rotary_fixture_ = xml::ReadReal(child);
+    r.use_rotary_fixture_ = true;
+  }
+  static void WriteRotary(const R& r, pugi::xml_node& node) {
+    if (r.use_rotary_fixture_) {
+      xml::AppendReal(node, kTagRotaryFixture, r.rotary_fixture_);
+    }
+  }
+  static void ReadPen(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    CLaserPen pen;
+    if (pen.ReadXML(child)) {
+      r.pens_.AddPen(pen);
+    }
+  }
+  static void WritePens(const R& r, pugi::xml_node& node) { r.pens_.WriteXML(node); }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        kTagLaser, {
+                       F::Writer(&WriteVersion),
+                       F::Real(kTagRasterPower, &R::raster_power_),
+                       F::Real(kTagRasterSpeed, &R::raster_speed_),
+                       F::Int(kTagDPI, &R::dpi_),
+                       F::Int(kTagRasterTotalWidth, &R::raster_total_width_),
+                       F::Int(kTagRasterSplitWidth, &R::raster_split_width_),
+                       F::Real(kTagRasterSplitPower, &R::raster_split_power_),
+                       F::Bool(kTagUseVectorSpeedAndPower, &R::use_vector_speed_and_power_),
+                       F::Int(kTagVectorResolution, &R::vector_resolution_),
+                       F::Custom(kTagCurve, &ReadCurve, &WriteCurve),
+                       F::Custom(kTagCurve2, &ReadCurve, nullptr),  // older files name the curve so
+                       F::Custom(kTagRotaryFixture, &ReadRotary, &WriteRotary),
+                       F::Bool(kTagUseHotWatch, &R::use_hot_watch_),
+                       F::Custom(kTagPen, &ReadPen, &WritePens),
+                   });
+    return table;
+  }
+};
+
+void CPMLaserData::WriteXML(pugi::xml_node parent) const {
+  Fields::Table().Write(*this, xml::AppendElement(parent, kTagLaser));
 }
 
 bool CPMLaserData::ReadXML(const pugi::xml_node& node) {
+  // Restored even when the element is not ours: callers rely on the defaults then.
   SetDefaults();
-  if (!xml::IsNamed(node, kTagLaser)) {
-    return false;
-  }
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, kTagRasterPower)) {
-      raster_power_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, kTagRasterSpeed)) {
-      raster_speed_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, kTagDPI)) {
-      dpi_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, kTagRasterTotalWidth)) {
-      raster_total_width_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, kTagRasterSplitWidth)) {
-      raster_split_width_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, kTagRasterSplitPower)) {
-      raster_split_power_ = xml::ReadReal(child);
-    } else if (xml::IsNamed(child, kTagUseVectorSpeedAndPower)) {
-      use_vector_speed_and_power_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, kTagVectorResolution)) {
-      vector_resolution_ = xml::ReadInt(child);
-    } else if (xml::IsNamed(child, kTagCurve) || xml::IsNamed(child, kTagCurve2)) {
-      power_curve_.ReadXML(child);
-    } else if (xml::IsNamed(child, kTagRotaryFixture)) {
-      // The fixture is in use exactly when its diameter is in the file.
-      rotary_fixture_ = xml::ReadReal(child);
-      use_rotary_fixture_ = true;
-    } else if (xml::IsNamed(child, kTagUseHotWatch)) {
-      use_hot_watch_ = xml::ReadBool(child);
-    }
-  }
-  pens_.ReadXML(node);
-  return true;
+  return Fields::Table().Read(*this, node, internal::Start::kCurrent);
 }
 
 bool CPMLaserData::operator==(const CPMLaserData& other) const {
-  return vector_resolution_ == other.vector_resolution_ && raster_power_ == other.raster_power_ &&
-         raster_speed_ == other.raster_speed_ && rotary_fixture_ == other.rotary_fixture_ &&
-         raster_total_width_ == other.raster_total_width_ &&
-         raster_split_width_ == other.raster_split_width_ &&
-         raster_split_power_ == other.raster_split_power_ && dpi_ == other.dpi_ &&
+  return Fields::Table().Equal(*this, other) && rotary_fixture_ == other.rotary_fixture_ &&
          raster_enabled_ == other.raster_enabled_ && use_rotary_fixture_ == other.use_rotary_fixture_ &&
-         use_hot_watch_ == other.use_hot_watch_ && vector_first_ == other.vector_first_ &&
-         use_vector_speed_and_power_ == other.use_vector_speed_and_power_ && pens_ == other.pens_ &&
-         power_curve_ == other.power_curve_;
+         vector_first_ == other.vector_first_ && pens_ == other.pens_ && power_curve_ == other.power_curve_;
 }
 
 }  // namespace tarn

@@ -284,6 +284,8 @@ class TARN_API CPMLaserData {
   bool operator==(const CPMLaserData& other) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   int vector_resolution_ = 1016;
   double raster_power_ = 0.5;
   double raster_speed_ = 50.0;

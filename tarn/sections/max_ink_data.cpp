@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/sections/internal/number_list.h"
 
@@ -27,11 +28,6 @@ double Round(double x) {
 }
 
 }  // namespace
-
-bool CPMMaxInkData::operator==(const CPMMaxInkData& other) const {
-  return enable_ == other.enable_ && a_ == other.a_ && b_ == other.b_ && c_ == other.c_ &&
-         use_old_ == other.use_old_ && old_max_ink_ == other.old_max_ink_;
-}
 
 void CPMMaxInkData::SetDefaults() {
   enable_ = false;
@@ -94,43 +90,61 @@ bool CPMMaxInkData::Validate() {
   return !(b_ == old_b && c_ == old_c);
 }
 
-bool CPMMaxInkData::ReadXML(const pugi::xml_node& node) {
-  if (!xml::IsNamed(node, kElementName)) {
-    return false;
-  }
-  SetDefaults();
-  enable_ = xml::ReadAttributeBool(node, tag::kEnable);
-  use_old_ = xml::ReadAttributeBool(node, tag::kUseOldValue);
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, tag::kData)) {
-      // A, A again, B, C and two places that are always zero.
-      double v[6] = {};
-      if (internal::ScanRealList(xml::ReadText(child), v)) {
-        a_ = CMaxInkValue{0, v[0]};
-        a_plain_ = v[0];
-        b_ = CMaxInkValue{0, v[2]};
-        c_ = CMaxInkValue{0, v[3]};
-      }
-    } else if (xml::IsNamed(child, tag::kOldData)) {
-      double v[1] = {};
-      if (internal::ScanRealList(xml::ReadText(child), v)) {
-        old_max_ink_ = v[0];
-      }
+struct CPMMaxInkData::Fields {
+  using R = CPMMaxInkData;
+  using F = internal::Field<R>;
+
+  // A, A again, B, C and two places that are always zero.
+  static void ReadData(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    double v[6] = {};
+    if (internal::ScanRealList(xml::ReadText(child), v)) {
+      r.a_ = CMaxInkValue{0, v[0]};
+      r.a_plain_ = v[0];
+      r.b_ = CMaxInkValue{0, v[2]};
+      r.c_ = CMaxInkValue{0, v[3]};
     }
   }
-  return true;
+  static void WriteData(const R& r, pugi::xml_node& node) {
+    xml::AppendText(node, tag::kData,
+                    Format(kDataFormat, r.a_.value, r.a_.value, r.b_.value, r.c_.value, 0.0, 0.0));
+  }
+  static void ReadOldData(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    double v[1] = {};
+    if (internal::ScanRealList(xml::ReadText(child), v)) {
+      r.old_max_ink_ = v[0];
+    }
+  }
+  // Written only while the old limit is in force.
+  static void WriteOldData(const R& r, pugi::xml_node& node) {
+    if (r.use_old_) {
+      xml::AppendReal(node, tag::kOldData, r.old_max_ink_, kOldDataFormat);
+    }
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        R::kElementName,
+        {
+            F::Bool(tag::kEnable, &R::enable_).Attribute(),
+            F::Bool(tag::kUseOldValue, &R::use_old_).Attribute().Writes(internal::Write::kIfTrue),
+            F::Custom(tag::kData, &ReadData, &WriteData),
+            F::Custom(tag::kOldData, &ReadOldData, &WriteOldData),
+        });
+    return table;
+  }
+};
+
+bool CPMMaxInkData::operator==(const CPMMaxInkData& other) const {
+  return Fields::Table().Equal(*this, other) && a_ == other.a_ && b_ == other.b_ && c_ == other.c_ &&
+         old_max_ink_ == other.old_max_ink_;
+}
+
+bool CPMMaxInkData::ReadXML(const pugi::xml_node& node) {
+  return Fields::Table().Read(*this, node);
 }
 
 void CPMMaxInkData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kElementName);
-  xml::SetAttributeBool(node, tag::kEnable, enable_);
-  if (use_old_) {
-    xml::SetAttributeBool(node, tag::kUseOldValue, true);
-  }
-  xml::AppendText(node, tag::kData, Format(kDataFormat, a_.value, a_.value, b_.value, c_.value, 0.0, 0.0));
-  if (use_old_) {
-    xml::AppendReal(node, tag::kOldData, old_max_ink_, kOldDataFormat);
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, kElementName));
 }
 
 }  // namespace tarn

@@ -89,6 +89,8 @@ class TARN_API CPMMaxInkData {
   void WriteXML(pugi::xml_node parent) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   bool enable_ = false;
   CMaxInkValue a_{0, 0.0};
   double a_plain_ = 0.0;  // A as a plain number, refreshed by Validate

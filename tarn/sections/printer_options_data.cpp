@@ -1,6 +1,7 @@
 #include "tarn/sections/printer_options_data.h"
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/fields.h"
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/xml.h"
 
@@ -86,48 +87,60 @@ void CPMPrinterOptionsData::SetExisting(const wchar_t* name, const wchar_t* valu
   }
 }
 
+struct CPMPrinterOptionsData::Fields {
+  using R = CPMPrinterOptionsData;
+  using F = internal::Field<R>;
+
+  // One option; an empty name or value is skipped, a later one replaces an earlier.
+  static void ReadOption(R& r, const pugi::xml_node& child, internal::ReadContext& /*context*/) {
+    std::wstring name;
+    std::wstring value;
+    for (const pugi::xml_node& part : child.children()) {
+      if (xml::IsNamed(part, kTagProc)) {
+        name = xml::ReadText(part);
+      } else if (xml::IsNamed(part, kTagParam)) {
+        value = xml::ReadText(part);
+      }
+    }
+    if (!name.empty() && !value.empty()) {
+      r.options_[name] = std::move(value);
+    }
+  }
+  static void WriteOptions(const R& r, pugi::xml_node& node) {
+    for (const auto& [name, value] : r.options_) {
+      pugi::xml_node option = xml::AppendElement(node, kTagOption);
+      xml::AppendText(option, kTagProc, name);
+      xml::AppendCData(option, kTagParam, value);
+    }
+  }
+
+  static const internal::FieldTable<R>& Table() {
+    static const internal::FieldTable<R> table(
+        kTagOptions, {
+                         F::Bool(kTagOverrideEnable, &R::override_enable_).Writes(internal::Write::kIfTrue),
+                         F::Bool(kTagAdvanced, &R::advanced_).Writes(internal::Write::kIfTrue),
+                         F::Custom(kTagOption, &ReadOption, &WriteOptions),
+                     });
+    return table;
+  }
+};
+
+bool CPMPrinterOptionsData::operator==(const CPMPrinterOptionsData& other) const {
+  return Fields::Table().Equal(*this, other) && options_ == other.options_;
+}
+
 bool CPMPrinterOptionsData::ReadXML(const pugi::xml_node& node) {
   if (!xml::IsNamed(node, kTagOptions)) {
     return false;
   }
+  // The options held before are kept; only the switches start again from off.
   override_enable_ = false;
   advanced_ = false;
-  for (const pugi::xml_node& child : node.children()) {
-    if (xml::IsNamed(child, kTagOverrideEnable)) {
-      override_enable_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, kTagAdvanced)) {
-      advanced_ = xml::ReadBool(child);
-    } else if (xml::IsNamed(child, kTagOption)) {
-      std::wstring name;
-      std::wstring value;
-      for (const pugi::xml_node& part : child.children()) {
-        if (xml::IsNamed(part, kTagProc)) {
-          name = xml::ReadText(part);
-        } else if (xml::IsNamed(part, kTagParam)) {
-          value = xml::ReadText(part);
-        }
-      }
-      if (!name.empty() && !value.empty()) {
-        options_[name] = std::move(value);
-      }
-    }
-  }
-  return true;
+  return Fields::Table().Read(*this, node, internal::Start::kCurrent);
 }
 
 void CPMPrinterOptionsData::WriteXML(pugi::xml_node parent) const {
-  pugi::xml_node node = xml::AppendElement(parent, kTagOptions);
-  if (override_enable_) {
-    xml::AppendBool(node, kTagOverrideEnable, true);
-  }
-  if (advanced_) {
-    xml::AppendBool(node, kTagAdvanced, true);
-  }
-  for (const auto& [name, value] : options_) {
-    pugi::xml_node option = xml::AppendElement(node, kTagOption);
-    xml::AppendText(option, kTagProc, name);
-    xml::AppendCData(option, kTagParam, value);
-  }
+  Fields::Table().Write(*this, xml::AppendElement(parent, kTagOptions));
 }
 
 }  // namespace tarn

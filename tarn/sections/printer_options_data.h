@@ -100,12 +100,11 @@ class TARN_API CPMPrinterOptionsData {
   void WriteXML(pugi::xml_node parent) const;
 
   // Equal when both switches and all options are equal.
-  bool operator==(const CPMPrinterOptionsData& other) const {
-    return override_enable_ == other.override_enable_ && advanced_ == other.advanced_ &&
-           options_ == other.options_;
-  }
+  bool operator==(const CPMPrinterOptionsData& other) const;
 
  private:
+  struct Fields;  // the field table, in the source file
+
   void SetExisting(const wchar_t* name, const wchar_t* value);
   bool ReturnOption(OptionMap::const_iterator it, std::wstring& name, std::wstring& value);
 
