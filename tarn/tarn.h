@@ -5,6 +5,7 @@
 #include "tarn/colour/chart_plot.h"
 #include "tarn/colour/delta_e.h"
 #include "tarn/colour/it8_chart.h"
+#include "tarn/colour/pmc_progress.h"
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/format.h"
 #include "tarn/foundation/format_string.h"
