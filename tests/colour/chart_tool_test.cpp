@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -15,25 +13,10 @@
 namespace tarn {
 namespace {
 
-struct ToolRun {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
+using test::ToolRun;
 
 ToolRun Tool(const std::vector<std::string>& args) {
-  test::TempFolder temp;
-  std::string command = "\"" + std::string(TARN_TOOL_PATH) + "\"";
-  for (const std::string& arg : args) {
-    command += " \"" + arg + "\"";
-  }
-  command += " >\"" + (temp.path() / "out").string() + "\" 2>\"" + (temp.path() / "err").string() + "\"";
-  const int raw = std::system(command.c_str());
-  ToolRun run;
-  run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  run.out = test::ReadBytes(temp.path() / "out");
-  run.err = test::ReadBytes(temp.path() / "err");
-  return run;
+  return test::RunTool(TARN_TOOL_PATH, args);
 }
 
 constexpr const char* kReference =
