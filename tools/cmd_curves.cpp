@@ -41,9 +41,7 @@ int RunCurves(const Arguments& args) {
     return Fail("no such file: " + input);
   }
   CPrintModeData mode;
-  SetMessageHandler([](const std::wstring&, const std::wstring&) {});  // the failure below says it all
-  const bool loaded = mode.LoadXMLPrintMode(path);
-  SetMessageHandler({});
+  const bool loaded = LoadPrintModeQuietly(mode, path);
   if (!loaded) {
     return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
   }

@@ -73,9 +73,7 @@ int ShowPrintMode(const std::string& file) {
     return Fail("no such file: " + file);
   }
   CPrintModeData mode;
-  SetMessageHandler([](const std::wstring&, const std::wstring&) {});  // the failure below says it all
-  const bool loaded = mode.LoadXMLPrintMode(path);
-  SetMessageHandler({});
+  const bool loaded = LoadPrintModeQuietly(mode, path);
   if (!loaded) {
     return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
   }

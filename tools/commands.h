@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace tarn {
+class CPrintModeData;
+}
+
 namespace tarn::tool {
 
 using Arguments = std::vector<std::string>;
@@ -32,6 +36,11 @@ int RunDeltaE(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
+
+// Loads a print mode file into mode with the library's own message silenced,
+// as the caller reports a failure in its one line; the tool's message handler
+// is put back afterwards.
+bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path);
 
 // Exit codes.
 inline constexpr int kExitOk = 0;

@@ -40,6 +40,13 @@ int Fail(const std::string& message) {
   return kExitFailure;
 }
 
+bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path) {
+  const MessageHandler previous = SetMessageHandler([](const std::wstring&, const std::wstring&) {});
+  const bool loaded = mode.LoadXMLPrintMode(path);
+  SetMessageHandler(previous);
+  return loaded;
+}
+
 }  // namespace tarn::tool
 
 int main(int argc, char** argv) {

@@ -370,10 +370,11 @@ void SleepMilliseconds(int milliseconds) {
   }
 }
 
-void SetMessageHandler(MessageHandler handler) {
+MessageHandler SetMessageHandler(MessageHandler handler) {
   HostInterfaces& host = Host();
   const std::lock_guard lock(host.mutex);
-  host.message_handler = std::move(handler);
+  std::swap(host.message_handler, handler);
+  return handler;
 }
 
 void ShowMessage(const std::wstring& text, const std::wstring& caption) {

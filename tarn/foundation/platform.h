@@ -72,9 +72,10 @@ TARN_API void SleepMilliseconds(int milliseconds);
 
 using MessageHandler = std::function<void(const std::wstring& text, const std::wstring& caption)>;
 
-// Sets where user messages go. The default writes one line "caption: text" to
-// stderr; an empty function restores it.
-TARN_API void SetMessageHandler(MessageHandler handler);
+// Sets where user messages go and returns the handler it replaces (empty for
+// the default), so that a caller can put it back. The default writes one line
+// "caption: text" to stderr; an empty function restores it.
+TARN_API MessageHandler SetMessageHandler(MessageHandler handler);
 
 // Shows a message to the user through the handler.
 TARN_API void ShowMessage(const std::wstring& text, const std::wstring& caption);

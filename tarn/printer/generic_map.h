@@ -122,15 +122,20 @@ class TARN_API CGenericMap {
   }
 
   // Takes ownership of object and stores it under name, deleting an entry of
-  // that name. A null or empty name or a null object does nothing (and the
-  // object is deleted, as the map was given it).
+  // that name. A null or empty name or a null object does nothing at all: the
+  // object stays the caller's, who may still use or free it.
   void Add(const wchar_t* name, T* object) {
-    if (object != nullptr && object == Get(name)) {
+    if (name == nullptr || *name == L'\0' || object == nullptr) {
+      return;
+    }
+    if (object == Get(name)) {
       return;  // already held under this name; replacing it would delete it
     }
     Add(name, std::unique_ptr<T>(object));
   }
-  void Add(const wchar_t* name, std::unique_ptr<T> object) {
+  // The same for an owning pointer, which is left with the caller when the
+  // insert is refused.
+  void Add(const wchar_t* name, std::unique_ptr<T>&& object) {
     if (name == nullptr || *name == L'\0' || !object) {
       return;
     }

@@ -244,9 +244,13 @@ struct CPrintModeData::Fields {
   }
 };
 
-// Reads over the current values (a load has set the defaults and the path
-// before), and any element name: the document loader checked the root.
+// The header is read over the current values (the path has set the name
+// before), and any element name: the document loader checked the root. The
+// sections start from their defaults, so a section the file leaves out is a
+// default one, not what the record held before (a record is reloaded in place
+// after every save).
 bool CPrintModeData::ReadXML(const pugi::xml_node& node) {
+  SetSectionDefaults();
   return Fields::Table().Read(*this, node, internal::Start::kCurrent);
 }
 
@@ -406,6 +410,8 @@ SYNC_TYPE CPrintModeData::DoesRequireSyncing() const {
 }
 
 void CPrintModeData::EnableAllOverrideFlags() {
+  transfers_.SetEnable(true);
+  separations_.SetEnable(true);
   halftones_.SetEnable(true);
   icc_profiles_.SetOverrideInput(true);
   icc_profiles_.SetOverrideOutput(true);
@@ -414,6 +420,8 @@ void CPrintModeData::EnableAllOverrideFlags() {
 }
 
 void CPrintModeData::DisableAllOverrideFlags() {
+  transfers_.SetEnable(false);
+  separations_.SetEnable(false);
   halftones_.SetEnable(false);
   icc_profiles_.SetOverrideInput(false);
   icc_profiles_.SetOverrideOutput(false);

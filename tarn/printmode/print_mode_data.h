@@ -81,7 +81,8 @@ class TARN_API CPrintModeData {
   // Loads the document at path; false when it cannot be read or its root is not "PMH".
   bool LoadXMLPrintMode(const std::wstring& path);
 
-  // Reads a "PMH" element. Always true.
+  // Reads a "PMH" element. Every section starts from its defaults, so a
+  // section the element lacks is a default one. Always true.
   bool ReadXML(const pugi::xml_node& node);
   // Appends the whole "PMH" element to parent (document or node).
   void WriteXML(pugi::xml_node parent) const;
@@ -113,6 +114,10 @@ class TARN_API CPrintModeData {
   bool operator==(const CPrintModeData& other) const;
   bool operator!=(const CPrintModeData& other) const { return !(*this == other); }
 
+  // Set or clear every override flag of the sections: the enable switches
+  // that the transfers, separations, halftones and printer options keep as
+  // "OVR_ENABLE", and the ICC section's input, output and other overrides.
+  // Loading ends by clearing them, so a loaded print mode starts with none on.
   void EnableAllOverrideFlags();
   void DisableAllOverrideFlags();
 

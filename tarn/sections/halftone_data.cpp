@@ -408,8 +408,8 @@ bool CPMHalftoneData::ReadXML(const pugi::xml_node& node) {
   if (!xml::IsNamed(node, kElementName)) {
     return false;
   }
+  // Screens the element does not hold keep their default screens.
   SetDefaults();
-  ClearHalftones();
 
   const auto read_flag = [&node](const char* name, bool& flag) {
     if (node.attribute(name)) {

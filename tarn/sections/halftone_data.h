@@ -204,10 +204,11 @@ class TARN_API CPMHalftoneData {
   const JitterTable& GetJitter() const { return jitter_; }
   void SetJitter(const JitterTable& jitter) { jitter_ = jitter; }
 
-  // Reads a "HALFTONEDATA" element. The section starts from its defaults
-  // without screens, so it holds exactly the screens the element names (an
-  // unnamed one is skipped); without "JitterData" the default jitter table
-  // stays. False, section unchanged, when node is not "HALFTONEDATA".
+  // Reads a "HALFTONEDATA" element. The section starts from its defaults, so
+  // a standard plate the element does not name keeps its default screen; a
+  // screen of any other key is added as it stands (an unnamed one is
+  // skipped). Without "JitterData" the default jitter table stays. False,
+  // section unchanged, when node is not "HALFTONEDATA".
   bool ReadXML(const pugi::xml_node& node);
   // Appends "HALFTONEDATA" to parent, or nothing when the section is unused.
   void WriteXML(pugi::xml_node& parent) const;

@@ -254,7 +254,9 @@ void CICCInfo::WriteSettings(pugi::xml_node node) const {
   for (const std::wstring& link : links) {
     xml::AppendText(linksNode, kTagLink, link);
   }
+}
 
+void CICCInfo::WriteBlackAndInk(pugi::xml_node node) const {
   pugi::xml_node black = xml::AppendElement(node, kTagBlack);
   xml::SetAttributeInt(black, kAttrMode, blackMode);
   xml::SetAttributeInt(black, kAttrGcr, gcr);
@@ -314,7 +316,6 @@ void CICCInfo::WriteXML(pugi::xml_node parent, std::wstring_view key) const {
   }
   pugi::xml_node node = xml::AppendElement(parent, kTagInfo);
   xml::SetAttribute(node, kAttrKey, key);
-  xml::SetAttributeInt(node, kAttrIntent, intent);
   WriteSettings(node);
 }
 
@@ -357,6 +358,7 @@ void CICCInfo::WritePMCXML(pugi::xml_node parent) const {
   }
   xml::AppendBool(node, kTagDeletable, deletable);
   WriteSettings(node);
+  WriteBlackAndInk(node);
 }
 
 bool CICCInfo::ReadPMCXML(const pugi::xml_node& node) {

@@ -7,22 +7,24 @@
 // The section is kept as "ICCPROFILES", one "ICCPROFILE" per path key in a
 // fixed order, then the "UseICCTags" entry:
 //
-//   <ICCPROFILES sepbitmaps="1" grayscalemode="0" overrideinput="0" overrideoutput="0" overrideother="0"
-//   spotcolormatching="0"> 	<ICCPROFILE name="LA_CMYKPath" type="CMYK"> 		<PATH>Orvel Vector
-//   CMYK.icm</PATH> 		<USED>1</USED> 		<ICCINFO key="LA_CMYK_INFO" intent="1">
-//   <Intent inIntent="14" outIntent="14" mergefactor="0" chroma2="0" /> 			<Exceptions
-//   flags="0" range="30" /> 			<links /> 			<Black mode="2" gcr="30"
-//   start="20" width="100" inksave="0" shadows="0" range="100" /> 			<Ink mode="0"
-//   maxink="400" maxblack="100" custom="" />
-//   		</ICCINFO>
-//   	</ICCPROFILE>
-//   	... LA_LABPath, LA_RGBPath, BMP_CMYKPath, BMP_LABPath, BMP_RGBPath,
-//   	    SPTDevicePath, OutTagDevicePath
-//   	<ICCPROFILE name="UseICCTags" type="OUTPUT">
-//   		<PATH></PATH>
-//   		<USED>0</USED>
-//   		<ICCINFO key="GREYSCALE_INFO" intent="0"> ... </ICCINFO>
-//   	</ICCPROFILE>
+//   <ICCPROFILES sepbitmaps="1" grayscalemode="0" overrideinput="0"
+//                overrideoutput="0" overrideother="0" spotcolormatching="0">
+//     <ICCPROFILE name="LA_CMYKPath" type="CMYK">
+//       <PATH>Orvel Vector CMYK.icm</PATH>
+//       <USED>1</USED>
+//       <ICCINFO key="LA_CMYK_INFO">
+//         <Intent inIntent="14" outIntent="14" mergefactor="0" chroma2="0" />
+//         <Exceptions flags="0" range="30" />
+//         <links />
+//       </ICCINFO>
+//     </ICCPROFILE>
+//     ... LA_LABPath, LA_RGBPath, BMP_CMYKPath, BMP_LABPath, BMP_RGBPath,
+//         SPTDevicePath, OutTagDevicePath
+//     <ICCPROFILE name="UseICCTags" type="OUTPUT">
+//       <PATH></PATH>
+//       <USED>0</USED>
+//       <ICCINFO key="GREYSCALE_INFO"> ... </ICCINFO>
+//     </ICCPROFILE>
 //   </ICCPROFILES>
 //
 // The creation wizard keeps a CICCInfo in its own form, "DEVICELINKDATA":
@@ -134,8 +136,10 @@ class TARN_API CICCInfo {
   static int IntentFromString(std::wstring_view text);
   std::wstring GetIntentStr() const { return GetIntentStr(intent); }
 
-  // Appends "ICCINFO" with attribute key to parent. Writes nothing when key is
-  // empty.
+  // Appends "ICCINFO" with attribute key to parent, holding "Intent",
+  // "Exceptions" and "links"; the rendering intent and the black and ink
+  // settings belong to the creation wizard's form and are not written here.
+  // Writes nothing when key is empty.
   void WriteXML(pugi::xml_node parent, std::wstring_view key) const;
   // Reads an "ICCINFO" element into this record; what is absent keeps its
   // current value. Also takes the creation wizard's "Black" and "Ink" elements
@@ -177,7 +181,10 @@ class TARN_API CICCInfo {
   std::vector<std::wstring> links;
 
  private:
+  // "Intent", "Exceptions" and "links": what both forms hold.
   void WriteSettings(pugi::xml_node node) const;
+  // "Black" and "Ink": the creation wizard's form only.
+  void WriteBlackAndInk(pugi::xml_node node) const;
   void ReadSetting(const pugi::xml_node& child);
 };
 

@@ -32,11 +32,12 @@ void CPMSeparationData::ClearPlanes() {
   cursor_.reset();
 }
 
-bool CPMSeparationData::AddPlane(const std::wstring& name, std::unique_ptr<ChannelQueue> channels) {
+bool CPMSeparationData::AddPlane(const std::wstring& name, std::unique_ptr<ChannelQueue>&& channels) {
   if (name.empty() || planes_.contains(name)) {
     return false;
   }
   planes_.emplace(name, channels ? std::move(*channels) : ChannelQueue());
+  channels.reset();
   return true;
 }
 

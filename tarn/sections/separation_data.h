@@ -66,8 +66,8 @@ class TARN_API CPMSeparationData {
 
   // Adds a plane holding channels (an empty queue when null); the section
   // takes the queue. Returns false, changing nothing, when name is empty or
-  // the plane exists.
-  bool AddPlane(const std::wstring& name, std::unique_ptr<ChannelQueue> channels);
+  // the plane exists: the queue is then left with the caller.
+  bool AddPlane(const std::wstring& name, std::unique_ptr<ChannelQueue>&& channels);
   // Adds a plane with one density identity channel named like the plane.
   // Returns false, changing nothing, when name is empty or the plane exists.
   bool AddLinearPlane(const std::wstring& name);

@@ -6,6 +6,9 @@
 
 #include <tarn/tarn.h>
 
+// The project sets no standard; the package's requirement must have raised it.
+static_assert(__cplusplus >= 202002L, "the tarn package did not bring its C++20 requirement");
+
 int main() {
   tarn::CPrintModeData mode;
   mode.SetPrinterX(L"Consumer Printer");

@@ -169,6 +169,31 @@ TEST(HostInterfaces, MessagesGoToTheHandlerAndBackToStderr) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: two lines\n");
 }
 
+TEST(HostInterfaces, AHandlerCanBePutBackByWhoeverReplacedIt) {
+  std::vector<std::wstring> host;
+  EXPECT_FALSE(SetMessageHandler([&host](const std::wstring& text, const std::wstring&) {
+    host.push_back(text);
+  }));  // the default was in place
+  {
+    test::MessageCapture outer;
+    {
+      test::MessageCapture inner;
+      ShowMessage(L"inner", L"c");
+      EXPECT_EQ(inner.messages().size(), 1u);
+    }
+    ShowMessage(L"outer", L"c");  // the inner capture put the outer one back
+    ASSERT_EQ(outer.messages().size(), 1u);
+    EXPECT_EQ(outer.messages()[0].text, L"outer");
+  }
+  ShowMessage(L"host", L"c");  // and the outer one the host's
+  EXPECT_EQ(host, std::vector<std::wstring>{L"host"});
+
+  const MessageHandler replaced = SetMessageHandler({});
+  ASSERT_TRUE(replaced);
+  replaced(L"still callable", L"c");
+  EXPECT_EQ(host.size(), 2u);
+}
+
 TEST(HostInterfaces, TranslatorAndPaperQuery) {
   EXPECT_EQ(XLT_TranslateCString(L"(*v*)Linear"), L"(*v*)Linear");
   SetTranslator([](const std::wstring& text) { return text == L"(*v*)Linear" ? L"Linéaire" : text; });

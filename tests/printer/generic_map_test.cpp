@@ -106,6 +106,26 @@ TEST(GenericMapTest, AddReplacesAndRefusesWhatItCannotKey) {
   EXPECT_EQ(map.Current(it), nullptr);
 }
 
+TEST(GenericMapTest, RefusedAddLeavesTheObjectWithTheCaller) {
+  CSpotMap map;
+  // A refused raw pointer is still the caller's to use and free; freeing it
+  // here would be a double free if the map had already deleted it.
+  auto* kept = new CSpotDef();
+  kept->SetName(L"Kept");
+  map.Add(L"", kept);
+  map.Add(static_cast<const wchar_t*>(nullptr), kept);
+  EXPECT_EQ(kept->GetName(), L"Kept");
+  delete kept;
+
+  std::unique_ptr<CSpotDef> owned = Spot(L"Owned");
+  map.Add(L"", std::move(owned));
+  ASSERT_NE(owned, nullptr);
+  EXPECT_EQ(owned->GetName(), L"Owned");
+  map.Add(L"Owned", std::move(owned));
+  EXPECT_EQ(owned, nullptr);
+  EXPECT_EQ(map.size(), 1u);
+}
+
 TEST(GenericMapTest, CopiesAreDeepAndAssignmentMerges) {
   CSpotMap source;
   source.Add(L"A", Spot(L"A"));

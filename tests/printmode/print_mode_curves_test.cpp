@@ -41,8 +41,11 @@ TEST(PrintModeCurves, SectionsStandInTheirPlaces) {
 TEST(PrintModeCurves, EveryFieldSurvivesSaveAndReload) {
   test::TempFolder temp;
   // Saving reloads the record from its new file, so the comparison is with a
-  // record that never went through a file.
-  const CPrintModeData mode = CurveSample();
+  // record that never went through a file. Loading switches the override
+  // flags off (both sections' enables among them); everything else comes back.
+  CPrintModeData mode = CurveSample();
+  ASSERT_TRUE(mode.GetTransfers()->GetEnable() && mode.GetSeparations()->GetEnable());
+  mode.DisableAllOverrideFlags();
   CPrintModeData saved = CurveSample();
   ASSERT_TRUE(saved.SavePrintMode(temp.wide().c_str(), false));
   EXPECT_EQ(saved, mode);
@@ -55,7 +58,7 @@ TEST(PrintModeCurves, EveryFieldSurvivesSaveAndReload) {
   EXPECT_EQ(reloaded.GetSeparations()->GetSepInks(), std::vector<std::wstring>{L"Orange"});
   EXPECT_EQ(test::Written(reloaded), test::Written(mode));
 
-  // A header-only file gives default sections.
+  // A header-only file gives default sections, whatever the record held.
   CPrintModeData header;
   header.SetName(L"Header.pmx");
   pugi::xml_document document;
@@ -63,7 +66,6 @@ TEST(PrintModeCurves, EveryFieldSurvivesSaveAndReload) {
   document.first_child().remove_child("TCURVES");
   document.first_child().remove_child("SEPARATION");
   CPrintModeData read = CurveSample();
-  read.SetDefaults(false);
   ASSERT_TRUE(read.ReadXML(document.first_child()));
   EXPECT_EQ(*read.GetTransfers(), CPMTransferData());
   // Resetting separations keeps their identifier and resolution; the planes go.

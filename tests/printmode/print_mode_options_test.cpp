@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "printmode/samples.h"
 #include "support/test_support.h"
@@ -84,22 +85,32 @@ TEST_F(PrintModeOptions, EveryFieldSurvivesSaveAndReload) {
   EXPECT_TRUE(messages_.empty());
 }
 
+// Every override flag of a print mode, in a fixed order.
+std::vector<bool> OverrideFlags(const CPrintModeData& mode) {
+  const CPMICCProfileData& icc = *mode.GetICCProfiles();
+  return {mode.GetTransfers()->GetEnable(),
+          mode.GetSeparations()->GetEnable(),
+          mode.GetHalftones()->GetEnable(),
+          mode.GetPrinterOptions()->GetOverrideEnable(),
+          icc.GetOverrideInput(),
+          icc.GetOverrideOutput(),
+          icc.GetOverrideOther()};
+}
+
 TEST_F(PrintModeOptions, LoadingClearsTheOverrideFlags) {
+  const std::vector<bool> allOn(7, true);
+  const std::vector<bool> allOff(7, false);
   CPrintModeData mode = OptionsSample();
   mode.EnableAllOverrideFlags();
-  const CPMICCProfileData& icc = *mode.GetICCProfiles();
-  EXPECT_TRUE(icc.GetOverrideInput() && icc.GetOverrideOutput() && icc.GetOverrideOther());
-  EXPECT_TRUE(mode.GetPrinterOptions()->GetOverrideEnable());
-  EXPECT_NE(test::Written(mode).find("overrideinput=\"1\" overrideoutput=\"1\" overrideother=\"1\""),
-            std::string::npos);
-  EXPECT_NE(test::Written(mode).find("<OVR_ENABLE>1</OVR_ENABLE>"), std::string::npos);
+  EXPECT_EQ(OverrideFlags(mode), allOn);
+  const std::string written = test::Written(mode);
+  EXPECT_NE(written.find("overrideinput=\"1\" overrideoutput=\"1\" overrideother=\"1\""), std::string::npos);
+  EXPECT_NE(written.find("<OVR_ENABLE>1</OVR_ENABLE>"), std::string::npos);
 
   const CPrintModeData reloaded = SaveAndReload(mode);
-  EXPECT_FALSE(reloaded.GetICCProfiles()->GetOverrideInput());
-  EXPECT_FALSE(reloaded.GetICCProfiles()->GetOverrideOutput());
-  EXPECT_FALSE(reloaded.GetICCProfiles()->GetOverrideOther());
-  EXPECT_FALSE(reloaded.GetPrinterOptions()->GetOverrideEnable());
+  EXPECT_EQ(OverrideFlags(reloaded), allOff);
   mode.DisableAllOverrideFlags();
+  EXPECT_EQ(OverrideFlags(mode), allOff);
   EXPECT_TRUE(reloaded == mode);
 }
 

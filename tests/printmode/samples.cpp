@@ -17,26 +17,15 @@ CPMCurveData Shaped(const std::wstring& name, double factor, double y = 0.3125) 
   return curve;
 }
 
-CICCInfo Settings(int seed) {
-  CICCInfo info;
-  info.intent = ICC_INTENT_ABSOLUTE;
+// Changes what a print mode file keeps of a slot's settings; the intent and
+// the black and ink settings are the creation wizard's and keep the slot's own.
+CICCInfo Settings(CICCInfo info, int seed) {
   info.inIntent = seed;
   info.outIntent = seed + 1;
   info.mergefactor = seed + 2;
   info.chroma2 = seed + 3;
   info.flags = 0x80000000u | static_cast<unsigned>(seed);
   info.range = seed + 4;
-  info.blackMode = ICC_BLACK_KEEP_PURE;
-  info.gcr = seed + 5;
-  info.start = seed + 6;
-  info.width = seed + 7;
-  info.inksave = seed + 8;
-  info.shadows = true;
-  info.blackRange = seed + 9;
-  info.inkMode = 1;
-  info.maxink = 280 + seed;
-  info.maxblack = 70 + seed;
-  info.custom = L"K<" + std::to_wstring(seed) + L">";
   info.links = {L"Device \u00e9 " + std::to_wstring(seed) + L".icc"};
   return info;
 }
@@ -135,7 +124,9 @@ void FillOptionSections(CPrintModeData& mode) {
     icc.SetICCUsed(use, !icc.GetICCUsed(use));
   }
   for (int info = 1; info <= 9; ++info) {
-    icc.SetICCInfo(info, Settings(info * 10));
+    CICCInfo settings;
+    icc.GetICCInfo(info, settings);
+    icc.SetICCInfo(info, Settings(settings, info * 10));
   }
   icc.SetSpotColorMatching(true);
 

@@ -234,15 +234,34 @@ TEST(HalftoneSection, EveryFieldSurvivesWriteAndRead) {
   ASSERT_NE(copy.GetHalftoneOption(L"Orange"), nullptr);
   EXPECT_EQ(copy.GetHalftoneOption(L"Orange")->GetName(), L"Orange Ink");
 
-  // A section that dropped a standard screen reads back without it.
+  // Reading starts from the defaults: standard plates the element leaves out
+  // come back with their default screens, beside the screens it holds.
   section.ClearHalftones();
   section.AddHalftoneOption(&orange);
   pugi::xml_document second;
   pugi::xml_node second_root = second;
   section.WriteXML(second_root);
   ASSERT_TRUE(copy.ReadXML(second.first_child()));
-  EXPECT_EQ(copy, section);
-  EXPECT_EQ(copy.GetHalftoneCount(), 1u);
+  EXPECT_EQ(copy.GetHalftoneCount(), 6u);
+  EXPECT_EQ(*copy.GetHalftoneOption(L"Orange"), orange);
+  ASSERT_NE(copy.GetHalftoneOption(L"Magenta"), nullptr);
+  EXPECT_EQ(*copy.GetHalftoneOption(L"Magenta"), copy.GetDefaultHaftone(L"Magenta"));
+}
+
+TEST(HalftoneSection, ScreensTheElementLeavesOutKeepTheirDefaults) {
+  CPMHalftoneData section;
+  section.GetHalftoneOption(L"Magenta")->SetFrequency(150.0);  // what the record held before
+  ASSERT_TRUE(ReadInto(section,
+                       "<HALFTONEDATA enable=\"1\"><HALFTONE name=\"Cyan\"><FREQUENCY>85</FREQUENCY>"
+                       "</HALFTONE></HALFTONEDATA>"));
+  EXPECT_EQ(section.GetHalftoneCount(), 5u);
+  EXPECT_EQ(section.GetHalftoneOption(L"Cyan")->GetFrequency(), 85.0);
+  EXPECT_EQ(section.GetHalftoneOption(L"Cyan")->GetAngle(), 108.0);
+  const CPMHalftoneData defaults;
+  for (const wchar_t* plate : {L"Magenta", L"Yellow", L"Black", L"Spot"}) {
+    ASSERT_NE(section.GetHalftoneOption(plate), nullptr) << plate;
+    EXPECT_EQ(*section.GetHalftoneOption(plate), *defaults.GetHalftoneOption(plate)) << plate;
+  }
 }
 
 TEST(HalftoneSection, ReadingSkipsWhatItCannotPlace) {
@@ -254,21 +273,21 @@ TEST(HalftoneSection, ReadingSkipsWhatItCannotPlace) {
     size_t jitter;
   } cases[] = {
       {"screen without a name",
-       "<HALFTONEDATA enable=\"1\"><HALFTONE><SHAPE>Round</SHAPE></HALFTONE></HALFTONEDATA>", 0, -1, 21},
+       "<HALFTONEDATA enable=\"1\"><HALFTONE><SHAPE>Round</SHAPE></HALFTONE></HALFTONEDATA>", 5, 21, 21},
       {"unknown shape name counts as the number it starts with, none here",
        "<HALFTONEDATA enable=\"1\"><HALFTONE "
        "name=\"Black\"><SHAPE>Starburst</SHAPE></HALFTONE></HALFTONEDATA>",
-       1, 0, 21},
+       5, 0, 21},
       {"shape number past the table falls back to the default shape",
-       "<HALFTONEDATA><HALFTONE name=\"Black\"><SHAPE>40</SHAPE></HALFTONE></HALFTONEDATA>", 1, 21, 21},
+       "<HALFTONEDATA><HALFTONE name=\"Black\"><SHAPE>40</SHAPE></HALFTONE></HALFTONEDATA>", 5, 21, 21},
       {"shape given by number",
-       "<HALFTONEDATA><HALFTONE name=\"Black\"><SHAPE>3</SHAPE></HALFTONE></HALFTONEDATA>", 1, 3, 21},
+       "<HALFTONEDATA><HALFTONE name=\"Black\"><SHAPE>3</SHAPE></HALFTONE></HALFTONEDATA>", 5, 3, 21},
       {"tag in the wrong case is ignored",
-       "<HALFTONEDATA><HALFTONE name=\"Black\"><shape>Round</shape></HALFTONE></HALFTONEDATA>", 1, 21, 21},
+       "<HALFTONEDATA><HALFTONE name=\"Black\"><shape>Round</shape></HALFTONE></HALFTONEDATA>", 5, 21, 21},
       {"jitter entry without a key",
        "<HALFTONEDATA><JitterData><JitterValue value=\"1\"/><JitterValue key=\"5\" value=\"2\"/></JitterData>"
        "</HALFTONEDATA>",
-       0, -1, 1},
+       5, 21, 1},
   };
   for (const auto& c : cases) {
     CPMHalftoneData section;

@@ -70,6 +70,19 @@ CICCInfo ChangedInfo(int seed) {
   return info;
 }
 
+// base with the conversion settings of changed: what a print mode file keeps
+// of a settings record ("Intent", "Exceptions", "links").
+CICCInfo WithConversionOf(CICCInfo base, const CICCInfo& changed) {
+  base.inIntent = changed.inIntent;
+  base.outIntent = changed.outIntent;
+  base.mergefactor = changed.mergefactor;
+  base.chroma2 = changed.chroma2;
+  base.flags = changed.flags;
+  base.range = changed.range;
+  base.links = changed.links;
+  return base;
+}
+
 // Sets and restores the RIP folder around a test.
 class IccPaths : public ::testing::Test {
  protected:
@@ -158,13 +171,10 @@ TEST(IccInfo, DefaultsAreWrittenExactlyInBothForms) {
   const CICCInfo info;
   EXPECT_EQ(Written([&](pugi::xml_node n) { info.WriteXML(n, L"LA_RGB_INFO"); }),
             std::string(kDeclaration) +
-                "<ICCINFO key=\"LA_RGB_INFO\" intent=\"0\">\n"
+                "<ICCINFO key=\"LA_RGB_INFO\">\n"
                 "\t<Intent inIntent=\"14\" outIntent=\"14\" mergefactor=\"0\" chroma2=\"0\" />\n"
                 "\t<Exceptions flags=\"0\" range=\"30\" />\n"
                 "\t<links />\n"
-                "\t<Black mode=\"2\" gcr=\"30\" start=\"20\" width=\"100\" inksave=\"0\" shadows=\"0\" "
-                "range=\"100\" />\n"
-                "\t<Ink mode=\"0\" maxink=\"400\" maxblack=\"100\" custom=\"\" />\n"
                 "</ICCINFO>\n");
   EXPECT_EQ(Written([&](pugi::xml_node n) { info.WritePMCXML(n); }),
             std::string(kDeclaration) +
@@ -196,11 +206,9 @@ TEST(IccInfo, BothFormsKeepWhatTheyHold) {
   changed.WriteXML(print, L"OUTPUT_INFO");
   CICCInfo fromPrint;
   ASSERT_TRUE(fromPrint.ReadXML(print.first_child()));
-  CICCInfo expectedPrint = changed;  // the print mode's form leaves out the wizard's bookkeeping
-  expectedPrint.configName = CICCInfo().configName;
-  expectedPrint.deletable = false;
-  expectedPrint.isDefault = true;
-  EXPECT_TRUE(fromPrint == expectedPrint);
+  // The print mode's form keeps the conversion settings only; the intent, the
+  // black and ink settings and the bookkeeping are the wizard's.
+  EXPECT_TRUE(fromPrint == WithConversionOf(CICCInfo(), changed));
 
   EXPECT_FALSE(fromPrint.ReadPMCXML(print.first_child()));
   EXPECT_FALSE(fromPmc.ReadXML(pmc.first_child()));
@@ -271,7 +279,7 @@ TEST(IccSection, DefaultsUseTheInputSlotsAndWriteNineEntriesInOrder) {
                            "\t<ICCPROFILE name=\"LA_CMYKPath\" type=\"CMYK\">\n"
                            "\t\t<PATH>Orvel Vector CMYK.icm</PATH>\n"
                            "\t\t<USED>1</USED>\n"
-                           "\t\t<ICCINFO key=\"LA_CMYK_INFO\" intent=\"1\">\n",
+                           "\t\t<ICCINFO key=\"LA_CMYK_INFO\">\n",
                        0),
             0u)
       << text;
@@ -279,25 +287,31 @@ TEST(IccSection, DefaultsUseTheInputSlotsAndWriteNineEntriesInOrder) {
   pugi::xml_document document;
   ASSERT_TRUE(xml::LoadDocumentFromBuffer(document, text, "ICCPROFILES"));
   struct Entry {
-    std::string name, type, path, used, key, intent;
+    std::string name, type, path, used, key;
   };
   std::vector<Entry> entries;
   for (const pugi::xml_node& entry : document.first_child().children("ICCPROFILE")) {
     const pugi::xml_node info = entry.child("ICCINFO");
     entries.push_back({entry.attribute("name").value(), entry.attribute("type").value(),
-                       entry.child_value("PATH"), entry.child_value("USED"), info.attribute("key").value(),
-                       info.attribute("intent").value()});
+                       entry.child_value("PATH"), entry.child_value("USED"), info.attribute("key").value()});
+    // Each settings element holds the key and the conversion settings, nothing more.
+    EXPECT_EQ(info.first_attribute().next_attribute(), pugi::xml_attribute()) << entries.back().name;
+    std::vector<std::string> children;
+    for (const pugi::xml_node& child : info.children()) {
+      children.emplace_back(child.name());
+    }
+    EXPECT_EQ(children, (std::vector<std::string>{"Intent", "Exceptions", "links"})) << entries.back().name;
   }
   const std::vector<Entry> expected = {
-      {"LA_CMYKPath", "CMYK", "Orvel Vector CMYK.icm", "1", "LA_CMYK_INFO", "1"},
-      {"LA_LABPath", "LAB", "cielab.icm", "1", "LA_LAB_INFO", "1"},
-      {"LA_RGBPath", "RGB", "Orvel Vector RGB.icm", "1", "LA_RGB_INFO", "0"},
-      {"BMP_CMYKPath", "CMYK", "Orvel Image CMYK.icm", "1", "BMP_CMYK_INFO", "1"},
-      {"BMP_LABPath", "LAB", "cielab.icm", "1", "BMP_LAB_INFO", "1"},
-      {"BMP_RGBPath", "RGB", "Orvel Image RGB.icm", "1", "BMP_RGB_INFO", "0"},
-      {"SPTDevicePath", "SPOT", "", "0", "SOFTPROOF_INFO", "0"},
-      {"OutTagDevicePath", "OUTPUT", "Orvel Gen Inkjet.icm", "0", "OUTPUT_INFO", "0"},
-      {"UseICCTags", "OUTPUT", "", "0", "GREYSCALE_INFO", "0"},
+      {"LA_CMYKPath", "CMYK", "Orvel Vector CMYK.icm", "1", "LA_CMYK_INFO"},
+      {"LA_LABPath", "LAB", "cielab.icm", "1", "LA_LAB_INFO"},
+      {"LA_RGBPath", "RGB", "Orvel Vector RGB.icm", "1", "LA_RGB_INFO"},
+      {"BMP_CMYKPath", "CMYK", "Orvel Image CMYK.icm", "1", "BMP_CMYK_INFO"},
+      {"BMP_LABPath", "LAB", "cielab.icm", "1", "BMP_LAB_INFO"},
+      {"BMP_RGBPath", "RGB", "Orvel Image RGB.icm", "1", "BMP_RGB_INFO"},
+      {"SPTDevicePath", "SPOT", "", "0", "SOFTPROOF_INFO"},
+      {"OutTagDevicePath", "OUTPUT", "Orvel Gen Inkjet.icm", "0", "OUTPUT_INFO"},
+      {"UseICCTags", "OUTPUT", "", "0", "GREYSCALE_INFO"},
   };
   ASSERT_EQ(entries.size(), expected.size());
   for (size_t i = 0; i < expected.size(); ++i) {
@@ -306,7 +320,6 @@ TEST(IccSection, DefaultsUseTheInputSlotsAndWriteNineEntriesInOrder) {
     EXPECT_EQ(entries[i].path, expected[i].path) << i;
     EXPECT_EQ(entries[i].used, expected[i].used) << i;
     EXPECT_EQ(entries[i].key, expected[i].key) << i;
-    EXPECT_EQ(entries[i].intent, expected[i].intent) << i;
   }
 }
 
@@ -319,11 +332,9 @@ TEST(IccSection, EveryFieldSurvivesARoundTrip) {
     section.SetICCUsed(use, !section.GetICCUsed(use));
   }
   for (int info = 1; info <= 9; ++info) {
-    CICCInfo settings = ChangedInfo(info);
-    settings.configName = CICCInfo().configName;  // not part of a print mode
-    settings.deletable = false;
-    settings.isDefault = true;
-    section.SetICCInfo(info, settings);
+    // Only the conversion settings are part of a print mode; the rest keeps
+    // the slot's defaults.
+    section.SetICCInfo(info, WithConversionOf(Info(section, info), ChangedInfo(info)));
   }
   section.SetOverrideInput(true);
   section.SetOverrideOutput(true);

@@ -104,6 +104,13 @@ TEST(SeparationDataTest, AddingPlanes) {
   queue->push_back(Channel(L"X", 0.5));
   EXPECT_FALSE(separations.AddPlane(L"Cyan", std::move(queue)));
   EXPECT_EQ(separations.GetPlaneChannelCount(L"Cyan"), 1u);
+  // A refused plane changes nothing, so the caller keeps its channels.
+  ASSERT_NE(queue, nullptr);
+  ASSERT_EQ(queue->size(), 1u);
+  EXPECT_EQ(queue->front().GetName(), L"X");
+  EXPECT_TRUE(separations.AddPlane(L"Orange", std::move(queue)));
+  EXPECT_EQ(queue, nullptr);
+  EXPECT_EQ(separations.GetPlaneChannelCount(L"Orange"), 1u);
   EXPECT_FALSE(separations.AddPlane(L"", nullptr));
   EXPECT_FALSE(separations.AddLinearPlane(L""));
   EXPECT_TRUE(separations.AddPlane(L"Black", nullptr));

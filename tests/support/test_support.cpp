@@ -44,13 +44,13 @@ std::wstring TempFolder::File(const std::string& name) const {
 
 MessageCapture::MessageCapture() : messages_(std::make_shared<std::vector<Message>>()) {
   auto sink = messages_;
-  SetMessageHandler([sink](const std::wstring& text, const std::wstring& caption) {
+  previous_ = SetMessageHandler([sink](const std::wstring& text, const std::wstring& caption) {
     sink->push_back({text, caption});
   });
 }
 
 MessageCapture::~MessageCapture() {
-  SetMessageHandler({});
+  SetMessageHandler(std::move(previous_));
 }
 
 DecimalCommaLocale::DecimalCommaLocale() {

@@ -10,6 +10,7 @@
 
 #include <pugixml.hpp>
 
+#include "tarn/foundation/platform.h"
 #include "tarn/foundation/xml.h"
 
 namespace tarn::test {
@@ -51,6 +52,7 @@ class MessageCapture {
 
  private:
   std::shared_ptr<std::vector<Message>> messages_;
+  MessageHandler previous_;  // put back on destruction, so captures nest
 };
 
 // Switches the whole process (C and C++ locales) to a locale with a decimal
