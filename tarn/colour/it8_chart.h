@@ -114,7 +114,7 @@ class TARN_API CIT8Table {
   bool SetProperty(const std::wstring& name, const std::wstring& value);
   // Adds a comment line to the header.
   void AddComment(const std::wstring& text);
-  // Appends a header line as it stands (the readers use it).
+  // Appends a header line as it stands.
   void AddPropertyLine(CIT8Property property) { properties_.push_back(std::move(property)); }
 
   // The data format.

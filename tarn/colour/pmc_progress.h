@@ -26,6 +26,7 @@
 
 #include <pugixml.hpp>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
