@@ -79,7 +79,7 @@ BENCHMARK(WritePugixml)->Name("write/pugixml");
 BENCHMARK(WriteTarn)->Name("write/tarn");
 
 // Prints "read: tarn/pugixml = 1.8" for every pair of benchmarks named
-// "<what>/tarn" and "<what>/pugixml".
+// "<what>/tarn" and "<what>/pugixml" (or "<what>/lcms").
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
@@ -95,9 +95,13 @@ class RatioReporter : public benchmark::ConsoleReporter {
       if (slash == std::string::npos) {
         continue;
       }
-      const auto twin = times_.find(name.substr(0, slash) + "/pugixml");
-      if (twin != times_.end() && twin->second > 0) {
-        std::printf("ratio %s: tarn/pugixml = %.2f\n", name.substr(0, slash).c_str(), time / twin->second);
+      // The twin is raw pugixml, or Little CMS for the chart text it reads too.
+      for (const char* other : {"pugixml", "lcms"}) {
+        const auto twin = times_.find(name.substr(0, slash) + "/" + other);
+        if (twin != times_.end() && twin->second > 0) {
+          std::printf("ratio %s: tarn/%s = %.2f\n", name.substr(0, slash).c_str(), other,
+                      time / twin->second);
+        }
       }
     }
   }

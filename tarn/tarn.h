@@ -2,6 +2,10 @@
 
 // Umbrella header: everything tarn offers.
 
+#include "tarn/colour/chart_plot.h"
+#include "tarn/colour/delta_e.h"
+#include "tarn/colour/it8_chart.h"
+#include "tarn/colour/pmc_progress.h"
 #include "tarn/foundation/cursor.h"
 #include "tarn/foundation/export.h"
 #include "tarn/foundation/format.h"

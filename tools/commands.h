@@ -41,6 +41,9 @@ int RunPostscript(const Arguments& args);
 // tarn info for a media definition (.qmd); in cmd_media.cpp.
 bool IsMediaFile(const std::string& file);
 int ShowMediaFile(const std::string& file);
+// tarn chart and tarn deltae; in cmd_chart.cpp.
+int RunChart(const Arguments& args);
+int RunDeltaE(const Arguments& args);
 
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);

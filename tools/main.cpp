@@ -25,6 +25,11 @@ const Command kCommands[] = {
      RunMedia},
     {"postscript", "postscript FILE [-o OUT.ps]", "write the PostScript set-up of a print mode",
      RunPostscript},
+    {"chart", "chart FILE [-o OUT.svg]",
+     "summarise a measurement chart (CGATS): tables, fields, patches, Lab range; or draw its a*b* plot",
+     RunChart},
+    {"deltae", "deltae REFERENCE SAMPLE [--method 76|94|2000] [--match id|name]",
+     "compare two measured charts: mean, 95th percentile and max delta-E, the ten worst patches", RunDeltaE},
 };
 
 void PrintHelp() {

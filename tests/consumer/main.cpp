@@ -27,6 +27,18 @@ int main() {
     std::fprintf(stderr, "consumer: the print mode changed on the way\n");
     return 1;
   }
+  // The colour code links Little CMS privately; a consumer never names it.
+  tarn::CIT8Chart chart;
+  if (!chart.ReadText("CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_ID LAB_L LAB_A LAB_B\nEND_DATA_FORMAT\n"
+                      "BEGIN_DATA\nA1 50 2.5 0\nEND_DATA\n")) {
+    std::fprintf(stderr, "consumer: the chart did not read\n");
+    return 1;
+  }
+  tarn::CLabColor lab;
+  if (!chart.GetTable(0)->GetLab(0, lab) || tarn::DeltaE2000(lab, {50.0, 0.0, -2.5}) < 4.3) {
+    std::fprintf(stderr, "consumer: the colour difference is wrong\n");
+    return 1;
+  }
   std::printf("consumer: tarn %s works from its installed package\n", TARN_VERSION_STRING);
   return 0;
 }

@@ -1,6 +1,7 @@
 #include "support/test_support.h"
 
 #include <pthread.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -118,6 +119,21 @@ std::string StrictParserComplaint(const std::string& xml) {
   }
   const std::string text = ReadBytes(complaint);
   return text.empty() ? std::string("xmllint failed") : text;
+}
+
+ToolRun RunTool(const std::string& tool, const std::vector<std::string>& args) {
+  TempFolder temp;
+  std::string command = "\"" + tool + "\"";
+  for (const std::string& arg : args) {
+    command += " \"" + arg + "\"";
+  }
+  command += " >\"" + (temp.path() / "out").string() + "\" 2>\"" + (temp.path() / "err").string() + "\"";
+  const int raw = std::system(command.c_str());
+  ToolRun run;
+  run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  run.out = ReadBytes(temp.path() / "out");
+  run.err = ReadBytes(temp.path() / "err");
+  return run;
 }
 
 std::string ReadBytes(const std::filesystem::path& path) {

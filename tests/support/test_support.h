@@ -95,6 +95,18 @@ std::string Nested(const std::string& open, const std::string& close, int depth)
 bool HaveStrictParser();
 std::string StrictParserComplaint(const std::string& xml);
 
+// What the tarn tool did: its exit status (-1 when it did not exit normally)
+// and what it wrote.
+struct ToolRun {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs the tool at path tool (the tests pass TARN_TOOL_PATH) with args,
+// capturing what it writes.
+ToolRun RunTool(const std::string& tool, const std::vector<std::string>& args);
+
 std::string ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
 // Absolute path of a fixture under tests/data.

@@ -21,25 +21,10 @@ namespace fs = std::filesystem;
 
 const fs::path kExamples = fs::path(TARN_TEST_DATA_DIR).parent_path().parent_path() / "examples" / "rip";
 
-struct ToolRun {
-  int status = -1;  // the exit status; -1 when the tool did not exit normally
-  std::string out;
-  std::string err;
-};
+using test::ToolRun;
 
 ToolRun Tool(const std::vector<std::string>& args) {
-  test::TempFolder temp;
-  std::string command = "\"" + std::string(TARN_TOOL_PATH) + "\"";
-  for (const std::string& arg : args) {
-    command += " \"" + arg + "\"";
-  }
-  command += " >\"" + (temp.path() / "out").string() + "\" 2>\"" + (temp.path() / "err").string() + "\"";
-  const int raw = std::system(command.c_str());
-  ToolRun run;
-  run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  run.out = test::ReadBytes(temp.path() / "out");
-  run.err = test::ReadBytes(temp.path() / "err");
-  return run;
+  return test::RunTool(TARN_TOOL_PATH, args);
 }
 
 class ToolTest : public testing::Test {
