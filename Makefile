@@ -37,6 +37,10 @@ demo: release
 	@echo
 	build/release/tools/tarn media examples/rip/System/pmodes/Hexa6/Media/Labels_3x2.qmd -o build/labels.svg
 	@echo "== the label template of Hexa6 is drawn in build/labels.svg"
+	@echo
+	@echo "== tarn job examples/jobs/spring-poster.xml --check examples/rip"
+	build/release/tools/tarn job examples/jobs/spring-poster.xml
+	build/release/tools/tarn job examples/jobs/spring-poster.xml --check examples/rip
 
 asan: deps
 	cmake --preset asan-ubsan

@@ -21,4 +21,6 @@
 #include "tarn/printer/resolution_def.h"
 #include "tarn/printmode/curve_plot.h"
 #include "tarn/printmode/print_mode_data.h"
+#include "tarn/queue/job_check.h"
+#include "tarn/queue/queue_edit.h"
 #include "tarn/version.h"
