@@ -106,7 +106,8 @@ class Checker {
       }
       facts.driver = xml::ReadText(root.child("Driver"));
     } else {
-      Fail("PrintMode", Format(L"%s: not a print mode (the root element is '%s')", path, FromUtf8(root.name())));
+      Fail("PrintMode",
+           Format(L"%s: not a print mode (the root element is '%s')", path, FromUtf8(root.name())));
       return facts;
     }
     SplitPath(path, nullptr, &facts.name);
@@ -122,9 +123,10 @@ class Checker {
     }
     if (!printer.LoadPrinter(driver)) {
       std::wstring path;
-      Fail("Printer", CPrinterData::FindPDXPath(driver, path)
-                          ? Format(L"the printer definition %s cannot be read", path)
-                          : Format(L"no printer definition '%s' in %sSystem\\printers\\", driver, GetTarnRipFolder()));
+      Fail("Printer",
+           CPrinterData::FindPDXPath(driver, path)
+               ? Format(L"the printer definition %s cannot be read", path)
+               : Format(L"no printer definition '%s' in %sSystem\\printers\\", driver, GetTarnRipFolder()));
       return false;
     }
     return true;
@@ -144,7 +146,8 @@ class Checker {
     list.Initialize(&printer, nullptr, nullptr);
     const CPrintMedia* media = list.GetMedia(job_.GetMediaName().c_str());
     if (media == nullptr) {
-      Fail("PageSize.Media", Format(L"printer '%s' has no media '%s'", job_.GetPrinter(), job_.GetMediaName()));
+      Fail("PageSize.Media",
+           Format(L"printer '%s' has no media '%s'", job_.GetPrinter(), job_.GetMediaName()));
       return;
     }
     if (!page_ok) {
@@ -155,7 +158,8 @@ class Checker {
     const double height = media->GetHeight() - media->GetTMargin() - media->GetBMargin();
     const bool wide = job_.GetPageWidth() > width + kTolerance;
     const bool high = job_.GetPageHeight() > height + kTolerance;
-    const bool turned = job_.GetPageWidth() <= height + kTolerance && job_.GetPageHeight() <= width + kTolerance;
+    const bool turned =
+        job_.GetPageWidth() <= height + kTolerance && job_.GetPageHeight() <= width + kTolerance;
     const wchar_t* hint = turned ? L" (it fits turned by 90 degrees)" : L"";
     if (wide) {
       Fail("PageSize.Width", Format(L"the page is %.2f pt wide, media '%s' prints at most %.2f pt%s",

@@ -17,23 +17,23 @@ struct CQueueEdit::Fields {
   using R = CQueueEdit;
   using F = internal::Field<R>;
   static const internal::FieldTable<R>& Table() {
-    static const internal::FieldTable<R> table(
-        R::kElementName, {
-                             F::Writer(WriteVersion),
-                             F::Text("JobName", &R::job_name_),
-                             F::Text("SourceFile", &R::source_file_),
-                             F::Text("Printer", &R::printer_),
-                             F::Int("Copies", &R::copies_),
-                             F::Real("Width", &R::job_width_).In("JobSize"),
-                             F::Real("Height", &R::job_height_).In("JobSize"),
-                             F::Real("Width", &R::page_width_).In("PageSize"),
-                             F::Real("Height", &R::page_height_).In("PageSize"),
-                             F::Text("Media", &R::media_).In("PageSize"),
-                             F::Text("PrintMode", &R::print_mode_),
-                             F::Text("Queue", &R::queue_path_).In("Paths"),
-                             F::Text("Rip", &R::rip_folder_).In("Paths"),
-                             F::Text("PrintModes", &R::print_modes_folder_).In("Paths"),
-                         });
+    static const internal::FieldTable<R> table(R::kElementName,
+                                               {
+                                                   F::Writer(WriteVersion),
+                                                   F::Text("JobName", &R::job_name_),
+                                                   F::Text("SourceFile", &R::source_file_),
+                                                   F::Text("Printer", &R::printer_),
+                                                   F::Int("Copies", &R::copies_),
+                                                   F::Real("Width", &R::job_width_).In("JobSize"),
+                                                   F::Real("Height", &R::job_height_).In("JobSize"),
+                                                   F::Real("Width", &R::page_width_).In("PageSize"),
+                                                   F::Real("Height", &R::page_height_).In("PageSize"),
+                                                   F::Text("Media", &R::media_).In("PageSize"),
+                                                   F::Text("PrintMode", &R::print_mode_),
+                                                   F::Text("Queue", &R::queue_path_).In("Paths"),
+                                                   F::Text("Rip", &R::rip_folder_).In("Paths"),
+                                                   F::Text("PrintModes", &R::print_modes_folder_).In("Paths"),
+                                               });
     return table;
   }
 
@@ -187,8 +187,9 @@ std::vector<CQueueEdit::Parameter> CQueueEdit::GetParameters() const {
     if (row.codec == internal::Codec::kCustom) {
       continue;
     }
-    out.push_back({Fields::Keys()[i], row.codec == internal::Codec::kText ? this->*row.member.text
-                                                                         : FromUtf8(table.GetText(*this, i))});
+    out.push_back({Fields::Keys()[i], row.codec == internal::Codec::kText
+                                          ? this->*row.member.text
+                                          : FromUtf8(table.GetText(*this, i))});
   }
   return out;
 }

@@ -53,7 +53,8 @@ class JobCheck : public testing::Test {
     Write("Hexa6/Layered.pmx",
           "<Tarn version=\"1.0\"><Printer>Hexa 6</Printer><Driver>Hexa6</Driver>"
           "<Layer><Name>Colour</Name></Layer></Tarn>");
-    Write("Hexa6/Empty layers.pmx", "<Tarn version=\"1.0\"><Printer>Hexa 6</Printer><Driver>Hexa6</Driver></Tarn>");
+    Write("Hexa6/Empty layers.pmx",
+          "<Tarn version=\"1.0\"><Printer>Hexa 6</Printer><Driver>Hexa6</Driver></Tarn>");
     Write("Aurora64/Layered.pmx",
           "<Tarn version=\"1.0\"><Printer>Aurora 64</Printer><Driver>Aurora64</Driver><Layer/></Tarn>");
   }
@@ -92,15 +93,17 @@ TEST_F(JobCheck, AValidJobPasses) {
         job.SetPageSize(1000.0, 1500.0);
       },
       [](CQueueEdit& job) { job.SetMediaName(L""); },
-      [this](CQueueEdit& job) { job.SetPrintModePath(rip_.wide() + L"system/PMODES/hexa6/coated paper 600.PMX"); },
+      [this](CQueueEdit& job) {
+        job.SetPrintModePath(rip_.wide() + L"system/PMODES/hexa6/coated paper 600.PMX");
+      },
       [](CQueueEdit& job) { job.SetPrinter(L"HEXA6"); },
   };
   for (size_t i = 0; i < variants.size(); ++i) {
     CQueueEdit job = ValidJob();
     variants[i](job);
     problems.clear();
-    EXPECT_TRUE(CheckJob(job, &problems)) << "variant " << i << ": " << problems.front().parameter << ": "
-                                          << ToUtf8(problems.front().message);
+    EXPECT_TRUE(CheckJob(job, &problems))
+        << "variant " << i << ": " << problems.front().parameter << ": " << ToUtf8(problems.front().message);
   }
 }
 
@@ -113,19 +116,22 @@ TEST_F(JobCheck, EachBrokenParameterIsNamedOnce) {
   };
   const std::vector<Case> cases = {
       {"no copies", [](CQueueEdit& job) { job.SetCopies(0); }, "Copies", L"must be at least 1, not 0"},
-      {"no print mode", [](CQueueEdit& job) { job.SetPrintModePath(L""); }, "PrintMode", L"no print mode is chosen"},
+      {"no print mode", [](CQueueEdit& job) { job.SetPrintModePath(L""); }, "PrintMode",
+       L"no print mode is chosen"},
       {"missing print mode", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6\\Gone.pmx"); }, "PrintMode",
        L"no such file: "},
       {"print mode not XML", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6\\Broken.pmx"); }, "PrintMode",
        L"Broken.pmx: XML error at line "},
-      {"not a print mode", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6\\Media list.pmx"); }, "PrintMode",
-       L"not a print mode (the root element is 'XMEDIA')"},
-      {"a print mode folder", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6"); }, "PrintMode", L"Hexa6: "},
+      {"not a print mode", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6\\Media list.pmx"); },
+       "PrintMode", L"not a print mode (the root element is 'XMEDIA')"},
+      {"a print mode folder", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6"); }, "PrintMode",
+       L"Hexa6: "},
       {"layered, no layers", [](CQueueEdit& job) { job.SetPrintModePath(L"Hexa6\\Empty layers.pmx"); },
        "PrintMode", L"the layered print mode has no layers"},
       {"another printer's print mode",
        [](CQueueEdit& job) { job.SetPrintModePath(L"Aurora64\\Gloss Vinyl 720.pmx"); }, "PrintMode",
-       L"print mode 'Gloss Vinyl 720.pmx' is made for printer 'Aurora64', not for the queue's printer 'Hexa6'"},
+       L"print mode 'Gloss Vinyl 720.pmx' is made for printer 'Aurora64', not for the queue's printer "
+       L"'Hexa6'"},
       {"another printer's layered print mode",
        [](CQueueEdit& job) { job.SetPrintModePath(L"Aurora64\\Layered.pmx"); }, "PrintMode",
        L"is made for printer 'Aurora64'"},
@@ -171,7 +177,8 @@ TEST_F(JobCheck, EveryFailureIsListedInTheOrderOfTheChecks) {
   for (const JobCheckProblem& problem : problems) {
     parameters.push_back(problem.parameter);
   }
-  EXPECT_EQ(parameters, (std::vector<std::string>{"Copies", "PrintMode", "PageSize.Width", "PageSize.Height"}));
+  EXPECT_EQ(parameters,
+            (std::vector<std::string>{"Copies", "PrintMode", "PageSize.Width", "PageSize.Height"}));
 
   // Without the printer neither the print mode's printer nor the media can be judged.
   job.SetPrinter(L"Nimbus9");

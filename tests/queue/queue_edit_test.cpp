@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 #include "support/test_support.h"
 #include "tarn/foundation/paths.h"
@@ -44,6 +46,25 @@ CQueueEdit AwkwardJob() {
   job.SetPrintModePath(L"#not a comment");
   job.SetQueuePath(L"%41 stays %41");
   return job;
+}
+
+struct Refusal {
+  const char* text;
+  const char* reason;  // how the error begins
+};
+
+// Each text is refused, the error begins with the reason, and the record
+// that read it is left as it was.
+void ExpectRefused(bool (CQueueEdit::*read)(std::string_view, std::wstring*),
+                   std::initializer_list<Refusal> refusals) {
+  const CQueueEdit before = SampleJob();
+  for (const Refusal& refusal : refusals) {
+    CQueueEdit job = before;
+    std::wstring error;
+    EXPECT_FALSE((job.*read)(refusal.text, &error)) << refusal.text;
+    EXPECT_EQ(ToUtf8(error).rfind(refusal.reason, 0), 0u) << ToUtf8(error);
+    EXPECT_EQ(job, before) << refusal.text;
+  }
 }
 
 TEST(QueueEditXml, WritesTheDocumentedLayout) {
@@ -98,22 +119,14 @@ TEST(QueueEditXml, ReaderStartsFromDefaultsAndSkipsWhatItDoesNotKnow) {
 }
 
 TEST(QueueEditXml, RefusesWhatIsNotARecordAndSaysWhy) {
+  ExpectRefused(
+      &CQueueEdit::LoadFromString,
+      {
+          {"<queueedit/>", "the root element is 'queueedit', not 'QueueEdit'"},
+          {"<?xml version=\"1.0\"?>\n<QueueEdit>\n<JobName>x</Job>\n</QueueEdit>", "XML error at line 3: "},
+          {"", "XML error at line 1: "},
+      });
   const CQueueEdit before = SampleJob();
-  struct Case {
-    const char* text;
-    const char* reason;
-  } cases[] = {
-      {"<queueedit/>", "the root element is 'queueedit', not 'QueueEdit'"},
-      {"<?xml version=\"1.0\"?>\n<QueueEdit>\n<JobName>x</Job>\n</QueueEdit>", "XML error at line 3: "},
-      {"", "XML error at line 1: "},
-  };
-  for (const Case& c : cases) {
-    CQueueEdit read = before;
-    std::wstring error;
-    EXPECT_FALSE(read.LoadFromString(c.text, &error)) << c.text;
-    EXPECT_EQ(ToUtf8(error).rfind(c.reason, 0), 0u) << ToUtf8(error);
-    EXPECT_EQ(read, before) << c.text;
-  }
   test::TempFolder folder;
   CQueueEdit read;
   std::wstring error;
@@ -165,15 +178,15 @@ TEST(QueueEditParameters, RoundTripsEveryValueThroughAFile) {
 
 TEST(QueueEditParameters, ReaderIsLenientWhereItCanBe) {
   CQueueEdit read = SampleJob();
-  ASSERT_TRUE(read.ReadParameters(
-      "# written by hand\r\n"
-      "\r\n"
-      "Copies=3\r\n"
-      "Bleed=3\r\n"
-      "JobName=first\r\n"
-      "JobName=second\r\n"
-      "PageSize.Width=  12.5\r\n"
-      "PrintMode="));
+  ASSERT_TRUE(
+      read.ReadParameters("# written by hand\r\n"
+                          "\r\n"
+                          "Copies=3\r\n"
+                          "Bleed=3\r\n"
+                          "JobName=first\r\n"
+                          "JobName=second\r\n"
+                          "PageSize.Width=  12.5\r\n"
+                          "PrintMode="));
   CQueueEdit expected;
   expected.SetCopies(3);
   expected.SetJobName(L"second");
@@ -182,24 +195,14 @@ TEST(QueueEditParameters, ReaderIsLenientWhereItCanBe) {
 }
 
 TEST(QueueEditParameters, RefusesBrokenLinesAndNamesThem) {
-  const CQueueEdit before = SampleJob();
-  struct Case {
-    const char* text;
-    const char* reason;
-  } cases[] = {
-      {"JobName=a\nno equals sign\n", "line 2: expected key=value"},
-      {"=value\n", "line 1: expected key=value"},
-      {"# c\nJobName=100%\n", "line 2: a % must be followed by two hex digits"},
-      {"JobName=%4\n", "line 1: a % must be followed by two hex digits"},
-      {"JobName=%G1\n", "line 1: a % must be followed by two hex digits"},
-  };
-  for (const Case& c : cases) {
-    CQueueEdit read = before;
-    std::wstring error;
-    EXPECT_FALSE(read.ReadParameters(c.text, &error)) << c.text;
-    EXPECT_EQ(ToUtf8(error), c.reason);
-    EXPECT_EQ(read, before);
-  }
+  ExpectRefused(&CQueueEdit::ReadParameters,
+                {
+                    {"JobName=a\nno equals sign\n", "line 2: expected key=value"},
+                    {"=value\n", "line 1: expected key=value"},
+                    {"# c\nJobName=100%\n", "line 2: a % must be followed by two hex digits"},
+                    {"JobName=%4\n", "line 1: a % must be followed by two hex digits"},
+                    {"JobName=%G1\n", "line 1: a % must be followed by two hex digits"},
+                });
 }
 
 TEST(QueueEditLocale, NumbersKeepTheirPointUnderADecimalComma) {

@@ -162,7 +162,8 @@ TEST_F(ToolTest, ShowsAndChecksAJob) {
   EXPECT_NE(shown.out.find("  SourceFile           -\n"), std::string::npos) << shown.out;
   const ToolRun parameters = Tool({"job", (temp.path() / "job.txt").string()});
   ASSERT_EQ(parameters.status, 0) << parameters.err;
-  EXPECT_NE(parameters.out.find("job parameter file\n  JobName              -\n"), std::string::npos) << parameters.out;
+  EXPECT_NE(parameters.out.find("job parameter file\n  JobName              -\n"), std::string::npos)
+      << parameters.out;
 
   const ToolRun passed = Tool({"job", (temp.path() / "job.xml").string(), "--check", kExamples.string()});
   EXPECT_EQ(passed.status, 0) << passed.err;
@@ -176,9 +177,10 @@ TEST_F(ToolTest, ShowsAndChecksAJob) {
   EXPECT_EQ(failed.status, 1);
   EXPECT_TRUE(failed.out.empty()) << failed.out;
   const std::string prefix = "tarn: " + (temp.path() / "job.txt").string() + ": ";
-  EXPECT_EQ(failed.err, prefix + "Copies: must be at least 1, not 0\n" + prefix +
-                            "PrintMode: print mode 'Coated Paper 600.pmx' is made for printer 'Hexa6', not for the "
-                            "queue's printer 'Aurora64'\n");
+  EXPECT_EQ(failed.err,
+            prefix + "Copies: must be at least 1, not 0\n" + prefix +
+                "PrintMode: print mode 'Coated Paper 600.pmx' is made for printer 'Hexa6', not for the "
+                "queue's printer 'Aurora64'\n");
 
   test::WriteBytes(temp.path() / "broken.txt", "JobName=50%\n");
   for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{

@@ -14,6 +14,7 @@ namespace tarn::internal {
 // ("XML error at line 3: ...") or its root element is not named exactly root
 // ("the root element is 'PMH', not 'QueueEdit'"); the reason goes to error.
 // A null root accepts any root element.
-bool ParseDocument(pugi::xml_document& document, std::string_view utf8, const char* root, std::wstring* error);
+bool ParseDocument(pugi::xml_document& document, std::string_view utf8, const char* root,
+                   std::wstring* error);
 
 }  // namespace tarn::internal
