@@ -61,19 +61,17 @@ struct CQueueEdit::Fields {
   }
 };
 
-// --- the XML form ---------------------------------------------------------------
-
 void CQueueEdit::Setup() {
   queue_path_ = GetQModulePath();
   rip_folder_ = GetTarnRipFolder();
   print_modes_folder_ = tarn::GetPrintModesFolder();
+  // The store leaves the printer alone when it holds no such string.
   if (const CXRegistry* registry = GetTarnRegistryBase()) {
-    std::wstring printer;
-    if (registry->HasValue(L"Queue/Printer") && registry->GetString(L"Queue/Printer", printer)) {
-      printer_ = printer;
-    }
+    registry->GetString(L"Queue/Printer", printer_);
   }
 }
+
+// --- the XML form ---------------------------------------------------------------
 
 bool CQueueEdit::ReadXML(const pugi::xml_node& node) {
   CQueueEdit read;
