@@ -193,26 +193,22 @@ void CPrintMedia::CreateDefaultRoll(double widthPoints) {
 }
 
 void CPrintMedia::CreateDefaultSheet() {
-  SetDefaults();
-  m_type = MEDIA_SHEET;
-  m_name = kDefaultSheetName;
-  m_width = kA4Width;
-  m_height = kRollHeight;
-  _SlotData slot;
-  slot.width = m_width;
-  slot.height = m_height;
-  m_slots.Add(slot);
+  MakeOneSlotPage(MEDIA_SHEET, kDefaultSheetName, kA4Width, kRollHeight);
 }
 
 void CPrintMedia::CreateDefaultTemplate() {
+  MakeOneSlotPage(MEDIA_TEMPLATE, kDefaultTemplateName, kA4Width, kA4Height);
+}
+
+void CPrintMedia::MakeOneSlotPage(std::int32_t type, const wchar_t* name, double width, double height) {
   SetDefaults();
-  m_type = MEDIA_TEMPLATE;
-  m_name = kDefaultTemplateName;
-  m_width = kA4Width;
-  m_height = kA4Height;
+  m_type = type;
+  m_name = name;
+  m_width = width;
+  m_height = height;
   _SlotData slot;
-  slot.width = m_width;
-  slot.height = m_height;
+  slot.width = width;
+  slot.height = height;
   m_slots.Add(slot);
 }
 

@@ -315,6 +315,8 @@ class TARN_API CPrintMedia {
 
  private:
   struct Fields;  // the field table, in the source file
+  // Resets to a page of that kind, name and size with one slot over all of it.
+  void MakeOneSlotPage(std::int32_t type, const wchar_t* name, double width, double height);
   // The list keeps track of the file a media came from when it replaces it.
   friend class CPrintMediaList;
 
