@@ -38,6 +38,9 @@ demo: release
 	build/release/tools/tarn media examples/rip/System/pmodes/Hexa6/Media/Labels_3x2.qmd -o build/labels.svg
 	@echo "== the label template of Hexa6 is drawn in build/labels.svg"
 	@echo
+	build/release/tools/tarn postscript $(EXAMPLE_MODE) -o build/setup.ps
+	@echo "== the PostScript set-up of $(EXAMPLE_MODE) is in build/setup.ps"
+	@echo
 	@echo "== tarn job examples/jobs/spring-poster.xml --check examples/rip"
 	build/release/tools/tarn job examples/jobs/spring-poster.xml
 	build/release/tools/tarn job examples/jobs/spring-poster.xml --check examples/rip

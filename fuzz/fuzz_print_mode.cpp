@@ -6,23 +6,16 @@
 #include <cstdlib>
 #include <string>
 
+#include "fuzz_support.h"
 #include "tarn/foundation/platform.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/printmode/print_mode_data.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static const bool quiet = [] {
-    tarn::SetMessageHandler([](const std::wstring&, const std::wstring&) {});
-    return true;
-  }();
-  (void)quiet;
-  pugi::xml_document document;
-  if (!tarn::xml::LoadDocumentFromBuffer(
-          document, std::string_view(reinterpret_cast<const char*>(data), size), "PMH")) {
+  tarn::CPrintModeData mode;
+  if (!tarn::fuzz::ReadPrintMode(data, size, mode)) {
     return 0;
   }
-  tarn::CPrintModeData mode;
-  mode.ReadXML(document.first_child());
   pugi::xml_document written;
   mode.WriteXML(written);
   const std::string text = tarn::xml::SaveDocumentToString(written);

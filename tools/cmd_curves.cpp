@@ -9,44 +9,15 @@
 
 namespace tarn::tool {
 
-namespace {
-
-int Usage() {
-  std::fprintf(stderr, "usage: tarn curves FILE [-o OUT.svg]\n");
-  return kExitUsage;
-}
-
-}  // namespace
-
 int RunCurves(const Arguments& args) {
   std::string input;
   std::string output;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "-o") {
-      if (i + 1 == args.size() || !output.empty()) {
-        return Usage();
-      }
-      output = args[++i];
-    } else if (input.empty()) {
-      input = args[i];
-    } else {
-      return Usage();
-    }
-  }
-  if (input.empty()) {
-    return Usage();
-  }
-  const std::wstring path = FromUtf8(input);
-  if (!FileExists(path)) {
-    return Fail("no such file: " + input);
-  }
   CPrintModeData mode;
-  const bool loaded = LoadPrintModeQuietly(mode, path);
-  if (!loaded) {
-    return Fail(input + ": not a print mode file (not XML, or its root is not PMH)");
+  if (const int status = OpenPrintModeCommand(args, "tarn curves FILE [-o OUT.svg]", mode, input, output);
+      status != kExitOk) {
+    return status;
   }
-  const std::string svg = PlotCurvesSVG(mode);
-  return WriteOutput(svg, output);
+  return WriteOutput(output, PlotCurvesSVG(mode));
 }
 
 }  // namespace tarn::tool

@@ -68,14 +68,9 @@ void ShowSections(const CPrintModeData& mode) {
 }
 
 int ShowPrintMode(const std::string& file) {
-  const std::wstring path = FromUtf8(file);
-  if (!FileExists(path)) {
-    return Fail("no such file: " + file);
-  }
   CPrintModeData mode;
-  const bool loaded = LoadPrintModeQuietly(mode, path);
-  if (!loaded) {
-    return Fail(file + ": not a print mode file (not XML, or its root is not PMH)");
+  if (const int status = LoadPrintModeFile(file, mode); status != kExitOk) {
+    return status;
   }
   std::printf("%s\n", file.c_str());
   Line("file version", mode.GetVersion());

@@ -191,16 +191,18 @@ int ShowPrinterDefinition(const std::string& file) {
   return kExitOk;
 }
 
-void ShowPrintModePrinter(const std::string& file, const std::wstring& driver) {
+std::wstring FindRipFolder(const std::string& file, const std::wstring& driver, std::wstring* definition) {
   // The print mode sits somewhere under its RIP folder (normally in
   // System/pmodes/<driver>/): try each folder above it as the RIP folder.
+  std::wstring ripFolder;
   std::wstring found;
   if (!driver.empty()) {
     const std::wstring saved = GetTarnRipFolder();
     std::error_code error;
     std::filesystem::path folder = std::filesystem::absolute(file, error).parent_path();
     for (; found.empty() && !folder.empty(); folder = folder.parent_path()) {
-      SetTarnRipSystemRoot(FromUtf8(folder.string() + "/").c_str());
+      ripFolder = FromUtf8(folder.string() + "/");
+      SetTarnRipSystemRoot(ripFolder.c_str());
       CPrinterData::FindPDXPath(driver, found);
       if (folder == folder.root_path()) {
         break;
@@ -208,6 +210,15 @@ void ShowPrintModePrinter(const std::string& file, const std::wstring& driver) {
     }
     SetTarnRipSystemRoot(saved.c_str());
   }
+  if (definition != nullptr) {
+    *definition = found;
+  }
+  return found.empty() ? std::wstring() : ripFolder;
+}
+
+void ShowPrintModePrinter(const std::string& file, const std::wstring& driver) {
+  std::wstring found;
+  FindRipFolder(file, driver, &found);
   std::replace(found.begin(), found.end(), L'\\', L'/');
   std::printf("printer definition\n");
   Line("driver", driver);

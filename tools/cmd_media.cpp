@@ -72,7 +72,7 @@ int DrawMedia(const std::string& input, const std::string& output) {
     return status;
   }
   const std::string svg = PlotMediaSVG(media);
-  return WriteOutput(svg, output);
+  return WriteOutput(output, svg);
 }
 
 void Line(const char* label, const std::string& value) {

@@ -4,6 +4,7 @@
 // program and command names) and returns the process exit code.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn {
@@ -28,9 +29,14 @@ int ShowPrinterDefinition(const std::string& file);
 // The "printer definition" lines of tarn info FILE.pmx: the driver and where
 // its definition was found, looking in the folders above the print mode.
 void ShowPrintModePrinter(const std::string& file, const std::wstring& driver);
+// The RIP folder of a print mode file: the nearest folder above it whose
+// System/printers holds the definition named driver; empty when none does.
+// definition (when given) receives the definition's path.
+std::wstring FindRipFolder(const std::string& file, const std::wstring& driver, std::wstring* definition);
 int RunList(const Arguments& args);
 int RunCurves(const Arguments& args);
 int RunMedia(const Arguments& args);
+int RunPostscript(const Arguments& args);
 int RunJob(const Arguments& args);
 
 // Makes folder the process's RIP folder. False, with status set to the exit
@@ -41,10 +47,6 @@ bool UseRipFolder(const std::string& folder, int& status);
 bool IsMediaFile(const std::string& file);
 int ShowMediaFile(const std::string& file);
 
-// Writes text to the file output atomically, or to stdout when output is
-// empty; a failure is reported as Fail does.
-int WriteOutput(const std::string& text, const std::string& output);
-
 // Prints "tarn: message" on stderr and returns the failure exit code.
 int Fail(const std::string& message);
 
@@ -52,6 +54,15 @@ int Fail(const std::string& message);
 // as the caller reports a failure in its one line; the tool's message handler
 // is put back afterwards.
 bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path);
+// Loads the print mode file; kExitOk, or the exit code after its failure line.
+int LoadPrintModeFile(const std::string& file, CPrintModeData& mode);
+// Reads the arguments "FILE [-o OUT]" and loads FILE into mode: kExitOk, or
+// the exit code after the usage line (which reads "usage: " usage) or the
+// failure line.
+int OpenPrintModeCommand(const Arguments& args, const char* usage, CPrintModeData& mode, std::string& input,
+                         std::string& output);
+// Writes bytes to output (atomically), or to stdout when output is empty.
+int WriteOutput(const std::string& output, std::string_view bytes);
 
 // Exit codes.
 inline constexpr int kExitOk = 0;

@@ -23,6 +23,8 @@ const Command kCommands[] = {
      "list the media of a printer: files, its page sizes and the defaults", RunMedia},
     {"media", "media FILE.qmd [-o OUT.svg]", "draw a media layout to scale, slots numbered in fill order",
      RunMedia},
+    {"postscript", "postscript FILE [-o OUT.ps]", "write the PostScript set-up of a print mode",
+     RunPostscript},
     {"job", "job FILE [--check RIPFOLDER]",
      "show a queue edit record or job parameter file; with --check, check it against RIPFOLDER", RunJob},
 };
@@ -40,31 +42,6 @@ void PrintHelp() {
 int Fail(const std::string& message) {
   std::fprintf(stderr, "tarn: %s\n", message.c_str());
   return kExitFailure;
-}
-
-int WriteOutput(const std::string& text, const std::string& output) {
-  if (output.empty()) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return kExitOk;
-  }
-  std::wstring error;
-  if (!tarn::WriteFileAtomically(tarn::FromUtf8(output), text, &error)) {
-    return Fail("cannot write " + output + ": " + tarn::ToUtf8(error));
-  }
-  return kExitOk;
-}
-
-bool UseRipFolder(const std::string& folder, int& status) {
-  std::wstring rip = tarn::FromUtf8(folder);
-  if (!rip.empty() && rip.back() != L'\\' && rip.back() != L'/') {
-    rip += L'\\';
-  }
-  if (!tarn::FolderExists(rip)) {
-    status = Fail("no such folder: " + folder);
-    return false;
-  }
-  tarn::SetTarnRipSystemRoot(rip.c_str());
-  return true;
 }
 
 bool LoadPrintModeQuietly(CPrintModeData& mode, const std::wstring& path) {

@@ -9,6 +9,7 @@
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
+#include "tarn/printmode/postscript_setup.h"
 
 namespace tarn {
 
@@ -322,20 +323,34 @@ bool CPrintModeData::SavePrintMode(const wchar_t* folder, bool postscript) {
                 kErrorCaption);
     return false;
   }
-  if (postscript) {
-    // The PostScript set-up writer is not part of the library yet.
-    return false;
-  }
   std::replace(target.begin(), target.end(), L'/', L'\\');
   if (target.back() != L'\\') {
     target += L'\\';
   }
   const std::wstring path = target + name_;
+  if (postscript && NativePath(path) == NativePath(full_path_)) {
+    // The set-up would replace the print mode it was written from.
+    ShowMessage(
+        Format(L"The PostScript set-up of \"%s\" cannot be written over the print mode itself.", name_),
+        kErrorCaption);
+    return false;
+  }
   SetNormalAttributes(path);
 
+  std::wstring error;
+  if (postscript) {
+    // The set-up is written in one piece through the same atomic replace as
+    // the XML form; the print mode stays bound to its own file.
+    CPostscriptSetup setup(*this);
+    setup.WritePostscriptSection();
+    if (!WriteFileAtomically(path, setup.GetBytes(), &error)) {
+      ShowMessage(error, kErrorCaption);
+      return false;
+    }
+    return true;
+  }
   pugi::xml_document document;
   WriteXML(document);
-  std::wstring error;
   if (!xml::SaveDocument(document, path, &error)) {
     ShowMessage(error, kErrorCaption);
     return false;

@@ -92,8 +92,9 @@ class TARN_API CPrintModeData {
   // Saves into folder (null: the folder of the full path) under the record's
   // name, replacing the file atomically. False, after telling the user, when
   // the name is empty or not a plain file name, or the file cannot be written;
-  // nothing on disk changes then. The PostScript form is not available yet:
-  // postscript true returns false and writes nothing.
+  // nothing on disk changes then. With postscript true the PostScript set-up
+  // (CPostscriptSetup) is written instead, and the record is not reloaded;
+  // the set-up is never written over the print mode's own file.
   bool SavePrintMode(const wchar_t* folder, bool postscript);
 
   // Cuts an embedded print mode out of a text file (see xml::ExtractXMLSection).

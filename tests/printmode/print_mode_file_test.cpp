@@ -212,8 +212,8 @@ TEST(PrintModeSave, RefusesWhatWouldWriteElsewhereOrNowhere) {
   EXPECT_EQ(std::distance(fs::directory_iterator(temp.path()), fs::directory_iterator()), 1);
 
   CPrintModeData unbound = HeaderSample();
-  EXPECT_FALSE(unbound.SavePrintMode(nullptr, false));                   // no folder at all
-  EXPECT_FALSE(unbound.SavePrintMode(Wide(temp.path()).c_str(), true));  // no PostScript writer yet
+  EXPECT_FALSE(unbound.SavePrintMode(nullptr, false));  // no folder at all
+  EXPECT_FALSE(unbound.SavePrintMode(nullptr, true));
   EXPECT_FALSE(fs::exists(temp.path() / "Gloss Vinyl.pmx"));
 }
 

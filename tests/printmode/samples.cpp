@@ -1,5 +1,8 @@
 #include "printmode/samples.h"
 
+#include "support/test_support.h"
+
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -139,6 +142,19 @@ void FillOptionSections(CPrintModeData& mode) {
   options.AddOption(L"Setup", L"<< /HWResolution [720 1440] >> ]]> setpagedevice");
   // Loading gives the separations the printer options' colour mode.
   mode.GetSeparations()->SetColorMode(L"CMYKOG");
+}
+
+void InstallTestPrinters(const std::filesystem::path& rip) {
+  namespace fs = std::filesystem;
+  const fs::path printers = rip / "System" / "printers";
+  fs::create_directories(printers);
+  const fs::path samples =
+      fs::path(TARN_TEST_DATA_DIR).parent_path().parent_path() / "examples" / "rip" / "System" / "printers";
+  for (const fs::path& folder : {samples, DataFile("postscript/printers")}) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+      WriteBytes(printers / entry.path().filename(), ReadBytes(entry.path()));
+    }
+  }
 }
 
 }  // namespace tarn::test

@@ -5,6 +5,8 @@
 // they can be combined; applied in the order curves, screens, options, the
 // printer options decide the colour mode, as loading does.
 
+#include <filesystem>
+
 #include "tarn/printmode/print_mode_data.h"
 
 namespace tarn::test {
@@ -15,5 +17,9 @@ void FillCurveSections(CPrintModeData& mode);
 void FillScreenSections(CPrintModeData& mode);
 // ICC profiles and printer options. Override flags stay off: loading clears them.
 void FillOptionSections(CPrintModeData& mode);
+
+// Puts the sample printers of examples/rip and the fixture printers of
+// tests/data/postscript/printers into rip's System/printers folder.
+void InstallTestPrinters(const std::filesystem::path& rip);
 
 }  // namespace tarn::test

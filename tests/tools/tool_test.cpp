@@ -58,6 +58,8 @@ TEST_F(ToolTest, VersionNamesBothVersions) {
   EXPECT_EQ(Tool({"--help"}).status, 0);
   EXPECT_EQ(Tool({"frobnicate"}).status, 2);
   EXPECT_EQ(Tool({"info"}).status, 2);
+  EXPECT_EQ(Tool({"postscript"}).status, 2);
+  EXPECT_EQ(Tool({"postscript", "a.pmx", "b.pmx"}).status, 2);
 }
 
 TEST_F(ToolTest, ListsAndDescribesTheSampleRipFolder) {
@@ -78,6 +80,30 @@ TEST_F(ToolTest, ListsAndDescribesTheSampleRipFolder) {
   EXPECT_TRUE(info.err.empty()) << info.err;
 }
 
+TEST_F(ToolTest, PostscriptFindsThePrinterThroughTheRipFolder) {
+  const fs::path sample = kExamples / "System/pmodes/Aurora64/Gloss Vinyl 720.pmx";
+  const ToolRun run = Tool({"postscript", sample.string()});
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_TRUE(run.err.empty()) << run.err;
+  EXPECT_EQ(run.out.rfind("\r\n% -- Printer Selection --\r\n", 0), 0u);
+  // The colour model's planes come from examples/rip/System/printers/Aurora64.pdx.
+  EXPECT_NE(run.out.find("/lightmagentaseparation <\r\n"), std::string::npos);
+  EXPECT_TRUE(run.out.ends_with("% -- End Printer Options --\r\nKestrelA4"));
+
+  test::TempFolder temp;
+  ASSERT_EQ(Tool({"postscript", sample.string(), "-o", (temp.path() / "setup.ps").string()}).status, 0);
+  EXPECT_EQ(test::ReadBytes(temp.path() / "setup.ps"), run.out);
+
+  // Away from its RIP folder the print mode has no printer: a warning, and
+  // the set-up without colour-model planes.
+  test::WriteBytes(temp.path() / "Lonely.pmx", test::ReadBytes(sample));
+  const ToolRun lonely = Tool({"postscript", (temp.path() / "Lonely.pmx").string()});
+  EXPECT_EQ(lonely.status, 0);
+  EXPECT_NE(lonely.err.find("warning: printer definition 'Aurora64' not found"), std::string::npos)
+      << lonely.err;
+  EXPECT_EQ(lonely.out.find("separation <"), std::string::npos);
+}
+
 TEST_F(ToolTest, BadInputGivesOneLineAndAFailingStatus) {
   const std::vector<std::vector<std::string>> cases = {
       {"info", (fs::path(TARN_TEST_DATA_DIR) / "invalid/empty.pmx").string()},
@@ -90,6 +116,10 @@ TEST_F(ToolTest, BadInputGivesOneLineAndAFailingStatus) {
       {"list", (fs::path(TARN_TEST_DATA_DIR) / "no such folder").string()},
       {"list", TARN_TEST_DATA_DIR},
       {"curves", (fs::path(TARN_TEST_DATA_DIR) / "invalid/truncated.pmx").string(), "-o", "/dev/null"},
+      {"postscript", (fs::path(TARN_TEST_DATA_DIR) / "invalid/not_xml.pmx").string()},
+      {"postscript", (fs::path(TARN_TEST_DATA_DIR) / "invalid/missing.pmx").string()},
+      {"postscript", (kExamples / "System/pmodes/Hexa6/Coated Paper 600.pmx").string(), "-o",
+       (fs::path(TARN_TEST_DATA_DIR) / "no such folder/out.ps").string()},
   };
   for (const std::vector<std::string>& args : cases) {
     const ToolRun run = Tool(args);
