@@ -44,6 +44,10 @@ demo: deps
 	@echo
 	build/release/tools/tarn postscript $(EXAMPLE_MODE) -o build/setup.ps
 	@echo "== the PostScript set-up of $(EXAMPLE_MODE) is in build/setup.ps"
+	@echo
+	@echo "== tarn job examples/jobs/spring-poster.xml --check examples/rip"
+	build/release/tools/tarn job examples/jobs/spring-poster.xml
+	build/release/tools/tarn job examples/jobs/spring-poster.xml --check examples/rip
 
 asan: deps
 	cmake --preset asan-ubsan

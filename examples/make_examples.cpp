@@ -186,6 +186,9 @@ int main(int argc, char** argv) {
     mode.SetCreationDate(L"2026-11-22");
     mode.SetRipVersion(L"10.9");
     sample.tune(mode);
+    // Loading turns every override flag off, so the samples are written as a
+    // load leaves them: each file is then exactly what loading and saving it writes.
+    mode.DisableAllOverrideFlags();
     if (!mode.SavePrintMode(folder.c_str(), false)) {
       std::fprintf(stderr, "could not write %s\n", tarn::ToUtf8(folder + sample.name).c_str());
       ++failures;

@@ -31,4 +31,6 @@
 #include "tarn/printmode/curve_plot.h"
 #include "tarn/printmode/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
+#include "tarn/queue/job_check.h"
+#include "tarn/queue/queue_edit.h"
 #include "tarn/version.h"

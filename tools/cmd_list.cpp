@@ -14,14 +14,10 @@ int RunList(const Arguments& args) {
     std::fprintf(stderr, "usage: tarn list RIPFOLDER\n");
     return kExitUsage;
   }
-  std::wstring rip = FromUtf8(args[0]);
-  if (!rip.empty() && rip.back() != L'\\' && rip.back() != L'/') {
-    rip += L'\\';
+  int status = kExitOk;
+  if (!UseRipFolder(args[0], status)) {
+    return status;
   }
-  if (!FolderExists(rip)) {
-    return Fail(args[0] + (FileExists(FromUtf8(args[0])) ? ": not a folder" : ": no such folder"));
-  }
-  SetTarnRipSystemRoot(rip.c_str());
   const std::wstring root = GetPrintModesFolder();
   if (!FolderExists(root)) {
     return Fail("no print modes folder (System/pmodes) in " + args[0]);

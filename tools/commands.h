@@ -37,6 +37,11 @@ int RunList(const Arguments& args);
 int RunCurves(const Arguments& args);
 int RunMedia(const Arguments& args);
 int RunPostscript(const Arguments& args);
+int RunJob(const Arguments& args);
+
+// Makes folder the process's RIP folder. False, with status set to the exit
+// code of a one-line failure, when the folder does not exist.
+bool UseRipFolder(const std::string& folder, int& status);
 
 // tarn info for a media definition (.qmd); in cmd_media.cpp.
 bool IsMediaFile(const std::string& file);

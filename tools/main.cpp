@@ -30,6 +30,8 @@ const Command kCommands[] = {
      RunChart},
     {"deltae", "deltae REFERENCE SAMPLE [--method 76|94|2000] [--match id|name]",
      "compare two measured charts: mean, 95th percentile and max delta-E, the ten worst patches", RunDeltaE},
+    {"job", "job FILE [--check RIPFOLDER]",
+     "show a queue edit record or job parameter file; with --check, check it against RIPFOLDER", RunJob},
 };
 
 void PrintHelp() {

@@ -61,4 +61,17 @@ int WriteOutput(const std::string& output, std::string_view bytes) {
   return kExitOk;
 }
 
+bool UseRipFolder(const std::string& folder, int& status) {
+  std::wstring rip = FromUtf8(folder);
+  if (!rip.empty() && rip.back() != L'\\' && rip.back() != L'/') {
+    rip += L'\\';
+  }
+  if (!FolderExists(rip)) {
+    status = Fail(folder + (FileExists(FromUtf8(folder)) ? ": not a folder" : ": no such folder"));
+    return false;
+  }
+  SetTarnRipSystemRoot(rip.c_str());
+  return true;
+}
+
 }  // namespace tarn::tool

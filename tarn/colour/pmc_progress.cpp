@@ -92,13 +92,13 @@ struct CPMCSection::Fields {
 
   // The type is the section's identity: written first, read by ReadXML
   // before the table runs, since SetDefaults keeps it.
-  static void WriteType(const R& section, pugi::xml_node& node) {
+  static void WriteType(const R& section, pugi::xml_node node) {
     xml::SetAttribute(node, tag::kType, PMCSectionTypeName(section.type_));
   }
   static void ReadValue(R& section, const pugi::xml_node& node, internal::ReadContext&) {
     section.SetValue(xml::ReadAttribute(node, tag::kName), xml::ReadText(node));
   }
-  static void WriteValues(const R& section, pugi::xml_node& node) {
+  static void WriteValues(const R& section, pugi::xml_node node) {
     for (const auto& [name, value] : section.values_) {
       xml::SetAttribute(xml::AppendText(node, tag::kValue, value), tag::kName, name);
     }
@@ -109,7 +109,7 @@ struct CPMCSection::Fields {
       section.SetIt8Chart(chart);
     }
   }
-  static void WriteChart(const R& section, pugi::xml_node& node) {
+  static void WriteChart(const R& section, pugi::xml_node node) {
     if (section.chart_) {
       section.chart_->WriteXML(node);
     }
@@ -120,7 +120,7 @@ struct CPMCSection::Fields {
       section.SetICCInfo(info);
     }
   }
-  static void WriteICCInfo(const R& section, pugi::xml_node& node) {
+  static void WriteICCInfo(const R& section, pugi::xml_node node) {
     if (section.icc_info_) {
       section.icc_info_->WritePMCXML(node);
     }
@@ -242,7 +242,7 @@ struct InkFields {
   using F = internal::Field<CPMCInk>;
 
   // The aim is three attributes, written only when the ink has one.
-  static void WriteTarget(const CPMCInk& ink, pugi::xml_node& node) {
+  static void WriteTarget(const CPMCInk& ink, pugi::xml_node node) {
     if (ink.hasTarget) {
       xml::SetAttributeReal(node, tag::kTargetL, ink.target.L);
       xml::SetAttributeReal(node, tag::kTargetA, ink.target.a);
@@ -290,7 +290,7 @@ struct CPMCInkModel::Fields {
       model.SetInk(ink);
     }
   }
-  static void WriteInks(const R& model, pugi::xml_node& node) {
+  static void WriteInks(const R& model, pugi::xml_node node) {
     for (const CPMCInk& ink : model.inks_) {
       InkFields::Table().Write(ink, xml::AppendElement(node, tag::kInk));
     }
@@ -350,20 +350,20 @@ struct CPMCProgress::Fields {
   using R = CPMCProgress;
   using F = internal::Field<R>;
 
-  static void WriteVersion(const R&, pugi::xml_node& node) {
+  static void WriteVersion(const R&, pugi::xml_node node) {
     xml::SetAttribute(node, tag::kVersion, kVersion);
   }
   static void ReadInkModel(R& progress, const pugi::xml_node& node, internal::ReadContext&) {
     progress.ink_model_.ReadXML(node);
   }
-  static void WriteInkModel(const R& progress, pugi::xml_node& node) { progress.ink_model_.WriteXML(node); }
+  static void WriteInkModel(const R& progress, pugi::xml_node node) { progress.ink_model_.WriteXML(node); }
   static void ReadSection(R& progress, const pugi::xml_node& node, internal::ReadContext&) {
     auto section = std::make_unique<CPMCSection>();
     if (section->ReadXML(node)) {
       progress.AddSection(section.release());
     }
   }
-  static void WriteSections(const R& progress, pugi::xml_node& node) {
+  static void WriteSections(const R& progress, pugi::xml_node node) {
     for (const auto& section : progress.sections_) {
       section->WriteXML(node);
     }

@@ -68,9 +68,7 @@ class ExampleFiles : public ::testing::Test {
   std::wstring previous_;
 };
 
-// Disabled until the transfers' OVR_ENABLE of the samples survives a load and
-// a save again (it stopped doing so with the latest main; see the issue).
-TEST_F(ExampleFiles, DISABLED_EveryPrintModeSavesToTheSameBytes) {
+TEST_F(ExampleFiles, EveryPrintModeSavesToTheSameBytes) {
   const std::vector<fs::path> samples = Samples(".pmx");
   ASSERT_GE(samples.size(), 4u) << "the sample folder lost its print modes";
   for (const fs::path& sample : samples) {

@@ -250,6 +250,9 @@ TEST_F(PostscriptInterpreterTest, TheSamplePrintModes) {
   int count = 0;
   for (const fs::directory_entry& folder : fs::directory_iterator(kExampleModes)) {
     for (const fs::directory_entry& file : fs::directory_iterator(folder.path())) {
+      if (!file.is_regular_file() || file.path().extension() != ".pmx") {
+        continue;  // a printer's Media folder sits beside its print modes
+      }
       CPrintModeData mode;
       ASSERT_TRUE(mode.LoadXMLPrintMode(FromUtf8(file.path().string())));
       mode.GetHalftones()->SetIsUsed(true);

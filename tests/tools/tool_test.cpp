@@ -223,5 +223,58 @@ TEST_F(ToolTest, ControlCharactersAreEscapedOnATerminal) {
   EXPECT_EQ(plain.out, "Driver/red\x1b[31m alert\x07.pmx\n");
 }
 
+TEST_F(ToolTest, ShowsAndChecksAJob) {
+  test::TempFolder temp;
+  test::WriteBytes(temp.path() / "job.xml",
+                   "<QueueEdit version=\"1\"><JobName>Poster\nproof</JobName><Printer>Hexa6</Printer>"
+                   "<PageSize><Width>1000</Width><Height>1500</Height><Media>A2</Media></PageSize>"
+                   "<PrintMode>Hexa6\\Coated Paper 600.pmx</PrintMode></QueueEdit>");
+  test::WriteBytes(temp.path() / "job.txt",
+                   "# tarn job parameters 1\nPrinter=Aurora64\nPrintMode=Hexa6\\Coated Paper 600.pmx\n"
+                   "PageSize.Width=100\nPageSize.Height=100\nCopies=0\n");
+
+  const ToolRun shown = Tool({"job", (temp.path() / "job.xml").string()});
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(shown.out.rfind("queue edit record\n", 0), 0u) << shown.out;
+  EXPECT_NE(shown.out.find("  JobName              Poster%0Aproof\n"), std::string::npos) << shown.out;
+  EXPECT_NE(shown.out.find("  PageSize.Media       A2\n"), std::string::npos) << shown.out;
+  EXPECT_NE(shown.out.find("  SourceFile           -\n"), std::string::npos) << shown.out;
+  const ToolRun parameters = Tool({"job", (temp.path() / "job.txt").string()});
+  ASSERT_EQ(parameters.status, 0) << parameters.err;
+  EXPECT_NE(parameters.out.find("job parameter file\n  JobName              -\n"), std::string::npos)
+      << parameters.out;
+
+  const ToolRun passed = Tool({"job", (temp.path() / "job.xml").string(), "--check", kExamples.string()});
+  EXPECT_EQ(passed.status, 0) << passed.err;
+  EXPECT_NE(passed.out.find("every check passed"), std::string::npos) << passed.out;
+  const fs::path example = kExamples.parent_path() / "jobs" / "spring-poster.xml";
+  const ToolRun sample = Tool({"job", example.string(), "--check", kExamples.string()});
+  EXPECT_EQ(sample.status, 0) << sample.err;
+
+  // Each failed check is one line of its own, naming the parameter.
+  const ToolRun failed = Tool({"job", (temp.path() / "job.txt").string(), "--check", kExamples.string()});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_TRUE(failed.out.empty()) << failed.out;
+  const std::string prefix = "tarn: " + (temp.path() / "job.txt").string() + ": ";
+  EXPECT_EQ(failed.err,
+            prefix + "Copies: must be at least 1, not 0\n" + prefix +
+                "PrintMode: print mode 'Coated Paper 600.pmx' is made for printer 'Hexa6', not for the "
+                "queue's printer 'Aurora64'\n");
+
+  test::WriteBytes(temp.path() / "broken.txt", "JobName=50%\n");
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"job", (temp.path() / "missing.xml").string()},
+           {"job", (temp.path() / "broken.txt").string()},
+           {"job", (temp.path() / "job.xml").string(), "--check", (temp.path() / "no rip").string()},
+       }) {
+    const ToolRun run = Tool(args);
+    EXPECT_EQ(run.status, 1) << args[1];
+    EXPECT_EQ(run.err.rfind("tarn: ", 0), 0u) << run.err;
+    EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << "one line: " << run.err;
+  }
+  EXPECT_EQ(Tool({"job"}).status, 2);
+  EXPECT_EQ(Tool({"job", (temp.path() / "job.xml").string(), "--check"}).status, 2);
+}
+
 }  // namespace
 }  // namespace tarn
