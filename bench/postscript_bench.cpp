@@ -9,7 +9,7 @@
 
 #include "tarn/foundation/xml.h"
 #include "tarn/printer/printer_data.h"
-#include "tarn/printmode/postscript_setup.h"
+#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace {

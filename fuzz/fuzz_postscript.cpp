@@ -10,7 +10,7 @@
 
 #include "fuzz_support.h"
 #include "tarn/printer/printer_data.h"
-#include "tarn/printmode/postscript_setup.h"
+#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace {

@@ -29,7 +29,7 @@
 #include "tarn/printer/printer_data.h"
 #include "tarn/printer/resolution_def.h"
 #include "tarn/printmode/curve_plot.h"
-#include "tarn/printmode/postscript_setup.h"
+#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
 #include "tarn/queue/job_check.h"
 #include "tarn/queue/queue_edit.h"

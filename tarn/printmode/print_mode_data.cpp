@@ -10,7 +10,6 @@
 #include "tarn/foundation/tags.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
-#include "tarn/printmode/postscript_setup.h"
 
 namespace tarn {
 
@@ -344,13 +343,7 @@ bool CPrintModeData::SavePrintMode(const wchar_t* folder, bool postscript) {
   if (postscript) {
     // The set-up is written in one piece through the same atomic replace as
     // the XML form; the print mode stays bound to its own file.
-    CPostscriptSetup setup(*this);
-    setup.WritePostscriptSection();
-    if (!WriteFileAtomically(path, setup.GetBytes(), &error)) {
-      ShowMessage(error, kErrorCaption);
-      return false;
-    }
-    return true;
+    return SavePostscriptSetup(path);
   }
   pugi::xml_document document;
   WriteXML(document);

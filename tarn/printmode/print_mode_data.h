@@ -261,6 +261,10 @@ class TARN_API CPrintModeData {
   bool IsCustom() const { return !printer_options_.IsPMLocked(); }
 
  private:
+  // Writes the PostScript set-up to path in one atomic replace; false, with the
+  // system's reason shown, when it cannot. Defined with the set-up writer
+  // (tarn/postscript/), which sits above the printer definitions it reads.
+  bool SavePostscriptSetup(const std::wstring& path);
   struct Fields;  // the header's field table, in the source file
   void SetHeaderDefaults();
   void SetSectionDefaults();

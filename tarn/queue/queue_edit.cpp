@@ -37,7 +37,7 @@ struct CQueueEdit::Fields {
     return table;
   }
 
-  static void WriteVersion(const R&, pugi::xml_node& node) {
+  static void WriteVersion(const R&, pugi::xml_node node) {
     xml::SetAttributeInt(node, "version", R::kVersion);
   }
 

@@ -12,7 +12,7 @@
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/text.h"
 #include "tarn/printer/printer_data.h"
-#include "tarn/printmode/postscript_setup.h"
+#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace tarn {

@@ -1,4 +1,4 @@
-#include "tarn/printmode/postscript_setup.h"
+#include "tarn/postscript/postscript_setup.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tarn/foundation/platform.h"
 #include "tarn/foundation/text.h"
 #include "tarn/printer/definitions.h"
 #include "tarn/printer/printer_data.h"
@@ -761,6 +762,19 @@ void CPostscriptSetup::WritePDFLevelTransferCurves(bool inverted, std::wstring& 
     out.Append(kCrLf);
   }
   text = out.str();
+}
+
+// --- the print mode's PostScript save ------------------------------------------
+
+bool CPrintModeData::SavePostscriptSetup(const std::wstring& path) {
+  CPostscriptSetup setup(*this);
+  setup.WritePostscriptSection();
+  std::wstring error;
+  if (!WriteFileAtomically(path, setup.GetBytes(), &error)) {
+    ShowMessage(error, L"Error");
+    return false;
+  }
+  return true;
 }
 
 }  // namespace tarn
