@@ -8,8 +8,8 @@
 #include <string>
 
 #include "tarn/foundation/xml.h"
-#include "tarn/printer/printer_data.h"
 #include "tarn/postscript/postscript_setup.h"
+#include "tarn/printer/printer_data.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "fuzz_support.h"
-#include "tarn/printer/printer_data.h"
 #include "tarn/postscript/postscript_setup.h"
+#include "tarn/printer/printer_data.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace {

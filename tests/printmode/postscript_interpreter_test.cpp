@@ -20,9 +20,9 @@
 #include "support/test_support.h"
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/text.h"
+#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printer/definitions.h"
 #include "tarn/printer/printer_data.h"
-#include "tarn/postscript/postscript_setup.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace tarn {

@@ -11,8 +11,8 @@
 #include "support/test_support.h"
 #include "tarn/foundation/paths.h"
 #include "tarn/foundation/text.h"
-#include "tarn/printer/printer_data.h"
 #include "tarn/postscript/postscript_setup.h"
+#include "tarn/printer/printer_data.h"
 #include "tarn/printmode/print_mode_data.h"
 
 namespace tarn {
