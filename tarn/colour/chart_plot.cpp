@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/svg.h"
 #include "tarn/foundation/xml.h"
 
 namespace tarn {
@@ -19,7 +20,7 @@ constexpr double kMargin = 40.0;
 constexpr double kRadius = 5.0;
 
 std::string Number(double value) {
-  return Format("%.2f", value);
+  return internal::SvgNumber(value);
 }
 
 // A Lab to sRGB transform, made for one picture and freed with it.
@@ -95,13 +96,7 @@ std::string PlotChartSVG(const CIT8Chart& chart, const CXYZColor& white) {
   const double centre = kSize / 2.0;
   const double scale = (kSize / 2.0 - kMargin) / extent;
   pugi::xml_document document;
-  pugi::xml_node svg = document.append_child("svg");
-  svg.append_attribute("xmlns") = "http://www.w3.org/2000/svg";
-  svg.append_attribute("width") = Number(kSize).c_str();
-  svg.append_attribute("height") = Number(kSize).c_str();
-  svg.append_attribute("viewBox") = Format("0 0 %s %s", Number(kSize), Number(kSize)).c_str();
-  svg.append_attribute("font-family") = "sans-serif";
-  svg.append_attribute("font-size") = "12";
+  pugi::xml_node svg = internal::AppendSvgRoot(document, kSize, kSize);
   xml::SetText(svg.append_child("style"),
                L".background{fill:#808080}.axis{stroke:#FFFFFF;stroke-width:1}.label{fill:#FFFFFF}"
                L"circle{stroke:#000000;stroke-width:0.5}");

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/svg.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/media/print_media.h"
@@ -21,7 +22,7 @@ double Finite(double value) {
 }
 
 std::string Number(double value) {
-  return Format("%.2f", value);
+  return internal::SvgNumber(value);
 }
 
 pugi::xml_node Rect(pugi::xml_node parent, const char* cls, double x, double y, double width, double height) {
@@ -66,13 +67,10 @@ std::string PlotMediaSVG(const CPrintMedia& media) {
   const double extent = std::max(right - left, bottom - top);
 
   pugi::xml_document document;
-  pugi::xml_node svg = document.append_child("svg");
-  svg.append_attribute("xmlns") = "http://www.w3.org/2000/svg";
-  svg.append_attribute("width") = (Number((right - left) / kPointsPerMm) + "mm").c_str();
-  svg.append_attribute("height") = (Number((bottom - top) / kPointsPerMm) + "mm").c_str();
-  svg.append_attribute("viewBox") =
-      Format("%s %s %s %s", Number(left), Number(top), Number(right - left), Number(bottom - top)).c_str();
-  svg.append_attribute("font-family") = "sans-serif";
+  // Drawn in points, shown at its real size in millimetres.
+  pugi::xml_node svg = internal::AppendSvgRoot(
+      document, Number((right - left) / kPointsPerMm) + "mm", Number((bottom - top) / kPointsPerMm) + "mm",
+      Format("%s %s %s %s", Number(left), Number(top), Number(right - left), Number(bottom - top)), "");
   const std::string line = Number(std::max(extent / 800.0, 0.25));
   xml::SetText(
       svg.append_child("style"),

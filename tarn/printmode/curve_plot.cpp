@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tarn/foundation/format.h"
+#include "tarn/foundation/internal/svg.h"
 #include "tarn/foundation/text.h"
 #include "tarn/foundation/xml.h"
 #include "tarn/printmode/print_mode_data.h"
@@ -45,7 +46,7 @@ struct Panel {
 };
 
 std::string Number(double value) {
-  return Format("%.2f", value);
+  return internal::SvgNumber(value);
 }
 
 std::string HexColour(unsigned long bgr) {
@@ -257,13 +258,7 @@ std::string PlotCurvesSVG(const CPrintModeData& mode) {
       std::max(kTop + kPlotSize + kBottom, kTop + static_cast<double>(rows) * kLegendRow + 16.0);
 
   pugi::xml_document document;
-  pugi::xml_node svg = document.append_child("svg");
-  svg.append_attribute("xmlns") = "http://www.w3.org/2000/svg";
-  svg.append_attribute("width") = Number(width).c_str();
-  svg.append_attribute("height") = Number(height).c_str();
-  svg.append_attribute("viewBox") = Format("0 0 %s %s", Number(width), Number(height)).c_str();
-  svg.append_attribute("font-family") = "sans-serif";
-  svg.append_attribute("font-size") = "12";
+  pugi::xml_node svg = internal::AppendSvgRoot(document, width, height);
   // Light inks (yellow on white) get a thin dark edge so they stay visible.
   xml::SetText(svg.append_child("style"),
                L"\n.plot { fill: #FFFFFF; stroke: #404040; stroke-width: 1; }\n"
